@@ -1,0 +1,62 @@
+# in_library( NAME LIBRARIES... ): builds source/NAME/**.cpp once and makes of it
+#   NAME         the shared library libNAME.so with SONAME, version node and hidden symbols
+#   NAME_static  the same objects as an archive, for tests that look inside
+# A library's public headers are its .h files without "_internal"; .hpp files stay in the tree.
+function( in_library name )
+    file( GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/source/${name}/*.cpp" )
+    if( NOT sources )
+        return()
+    endif()
+    add_library( ${name}_objects OBJECT ${sources} )
+    target_include_directories( ${name}_objects PUBLIC "${PROJECT_SOURCE_DIR}/source" )
+    target_link_libraries( ${name}_objects PUBLIC ${ARGN} )
+
+    string( TOUPPER ${name} node )
+    set( script "${CMAKE_CURRENT_BINARY_DIR}/${name}.map" )
+    if( name STREQUAL "in" )
+        file( CONFIGURE OUTPUT "${script}" CONTENT "${node}_${PROJECT_VERSION_MAJOR} { global: in[A-Z]*; local: *; };\n" @ONLY )
+    else()
+        # The platform libraries also export what the libraries above them call through in-tree headers.
+        file( CONFIGURE OUTPUT "${script}" CONTENT
+            "${node}_${PROJECT_VERSION_MAJOR} { global: ${name}[A-Z]*; ${name}___*; extern \"C++\" { ${name}::*; }; local: *; };\n" @ONLY )
+    endif()
+    add_library( ${name} SHARED $<TARGET_OBJECTS:${name}_objects> )
+    add_library( in::${name} ALIAS ${name} )
+    target_include_directories( ${name} PUBLIC
+        "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/source>" "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>" )
+    set( private "" )
+    set( public "" )
+    foreach( library IN LISTS ARGN )
+        if( library MATCHES "^(pb|tr|cs|pr|unix|rfc|iri)$" )
+            list( APPEND public ${library} )
+        else()
+            list( APPEND private ${library} )
+        endif()
+    endforeach()
+    target_link_libraries( ${name} PUBLIC ${public} PRIVATE ${private} )
+    target_link_options( ${name} PRIVATE "-Wl,--version-script=${script}" )
+    if( NOT IN_SANITIZE )
+        target_link_options( ${name} PRIVATE "-Wl,--no-undefined" "-Wl,-Bsymbolic-functions" )
+    endif()
+    set_target_properties( ${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINK_DEPENDS "${script}" )
+
+    add_library( ${name}_static STATIC $<TARGET_OBJECTS:${name}_objects> )
+    target_include_directories( ${name}_static PUBLIC "${PROJECT_SOURCE_DIR}/source" )
+    target_link_libraries( ${name}_static PUBLIC ${ARGN} )
+endfunction()
+
+# in_test( NAME SOURCES... LIBRARIES ... [RESOURCE_LOCK ...] ): one test program of GoogleTest, its cases found by CTest.
+function( in_test name )
+    cmake_parse_arguments( PARSE_ARGV 1 arg "" "TIMEOUT;RESOURCE_LOCK" "SOURCES;LIBRARIES" )
+    add_executable( ${name} ${arg_SOURCES} )
+    target_include_directories( ${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" )
+    target_link_libraries( ${name} PRIVATE ${arg_LIBRARIES} GTest::gmock Threads::Threads )
+    if( NOT arg_TIMEOUT )
+        set( arg_TIMEOUT 60 )
+    endif()
+    add_test( NAME ${name} COMMAND ${name} )
+    set_tests_properties( ${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} )
+    if( arg_RESOURCE_LOCK )
+        set_tests_properties( ${name} PROPERTIES RESOURCE_LOCK ${arg_RESOURCE_LOCK} )
+    endif()
+endfunction()

@@ -1,0 +1,29 @@
+// csKey: one key of a stored configuration, as messages and editors need it. Static tables.
+#ifndef CS_KEY_H
+#define CS_KEY_H
+
+#include "pb/pb_base.h"
+
+PB_DECLS_BEGIN
+
+#define CS_KEY_TEXT 0
+#define CS_KEY_INT 1
+#define CS_KEY_BOOL 2
+#define CS_KEY_ENUM 3   // one of names
+#define CS_KEY_FLAGS 4  // names joined by "|"
+#define CS_KEY_STORE 5  // keys
+#define CS_KEY_ARRAY 6  // entries as described by keys[0], whose own key is ""
+
+struct csKey {
+    const char *key;
+    pbInt kind;              // CS_KEY_...
+    const char *expected;    // "an IP address", "1..65535"; static text
+    pbInt minimum, maximum;  // of CS_KEY_INT
+    const char *const *names; // of CS_KEY_ENUM and CS_KEY_FLAGS, null-terminated
+    const struct csKey *keys; // of CS_KEY_STORE and CS_KEY_ARRAY
+    pbInt keyCount;
+};
+
+PB_DECLS_END
+
+#endif

@@ -1,0 +1,43 @@
+// csSortBackend: how the configuration service makes, reads and changes objects of one sort. Releasing the last
+// reference unregisters the sort. Callbacks are called only while a module backend exists.
+#ifndef CS_SORT_BACKEND_H
+#define CS_SORT_BACKEND_H
+
+#include "pb/pb_obj.h"
+
+PB_DECLS_BEGIN
+
+struct csSortBackend;
+struct csStatusReporter;
+struct trAnchor;
+struct pbStore;
+struct pbString;
+
+typedef struct pbObj *csSortTryCreateFunc( struct pbStore *optionalStore, struct trAnchor *optionalAnchor );
+typedef struct pbStore *csSortConfigFunc( struct pbObj *obj, pbBool storeDefaults );
+typedef void csSortSetConfigFunc( struct pbObj *obj, struct pbStore *store );
+typedef struct pbStore *csSortNormalizeConfigFunc( struct pbStore *store, pbBool storeDefaults );
+typedef struct csStatusReporter *csSortStatusFunc( struct pbObj *obj );
+typedef void csSortTraceCompleteAnchorFunc( struct pbObj *obj, struct trAnchor *anchor );
+
+PB_API const struct pbSort *csSortBackendSort( void );
+PB_API struct csSortBackend *csSortBackendRetain( const struct csSortBackend *obj );
+PB_API void csSortBackendRelease( const struct csSortBackend *obj );
+PB_API struct pbObj *csSortBackendObj( const struct csSortBackend *obj );
+PB_API struct csSortBackend *csSortBackendFrom( struct pbObj *obj );
+PB_API struct pbString *csSortBackendToString( const struct csSortBackend *obj );
+PB_API pbInt csSortBackendCompare( const struct csSortBackend *a, const struct csSortBackend *b );
+PB_API pbBool csSortBackendEquals( const struct csSortBackend *a, const struct csSortBackend *b );
+
+// status and traceCompleteAnchor may be null. A sort can be registered once at a time.
+PB_API struct csSortBackend *csSortBackendCreate( const struct pbSort *sort, csSortTryCreateFunc *tryCreate,
+                                                  csSortConfigFunc *config, csSortSetConfigFunc *setConfig,
+                                                  csSortNormalizeConfigFunc *normalizeConfig, csSortStatusFunc *optionalStatus,
+                                                  csSortTraceCompleteAnchorFunc *optionalTraceCompleteAnchor );
+// Describes the keys of the sort's configuration, for messages that say what is expected; see csKey in cs_key.h.
+struct csKey;
+PB_API void csSortBackendSetKeys( struct csSortBackend *backend, const struct csKey *keys, pbInt keyCount );
+
+PB_DECLS_END
+
+#endif

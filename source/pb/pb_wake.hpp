@@ -1,0 +1,30 @@
+// What wakes and when, for the libraries above: signalables and alertables of their own kind, wakes that are held back
+// for a batch, and the clock that tests drive. In-tree only.
+#ifndef PB_WAKE_HPP
+#define PB_WAKE_HPP
+
+#include "pb/pb_alertable.h"
+#include "pb/pb_object.hpp"
+#include "pb/pb_signalable.h"
+
+extern "C" {
+// wake( target ) must neither run foreign code nor take a lock under which anything is signalled. The target is retained.
+PB_API struct pbSignalable *pb___SignalableCreate( void ( *wake )( struct pbObj *target ), struct pbObj *target );
+PB_API struct pbAlertable *pb___AlertableCreate( void ( *wake )( struct pbObj *target ), struct pbObj *target );
+
+// Between Begin and End of the calling thread, Unblock of a barrier changes its count at once but holds back the system
+// call that wakes sleepers until Flush (each barrier once). A thread must flush before it sleeps.
+PB_API void pb___WakesHoldBegin( void );
+PB_API void pb___WakesHoldEnd( void );
+PB_API void pb___WakesFlush( void );
+
+// The clock behind pbTimestamp and the timers. While driven it stands still; Advance moves it and returns after every
+// timer that came due has signalled.
+PB_API void pb___ClockDrive( pbBool driven );
+PB_API void pb___ClockAdvance( pbInt milliseconds );
+
+// Joins the timer thread, if one was started. Called by the module's shut-down; timers can be used again afterwards.
+PB_API void pb___TimerShutdown( void );
+}
+
+#endif

@@ -1,0 +1,47 @@
+// The trace system: who listens, and whether per-packet messages are wanted.
+#ifndef TR_SYSTEM_H
+#define TR_SYSTEM_H
+
+#include "pb/pb_obj.h"
+
+PB_DECLS_BEGIN
+
+struct trStream;
+struct pbBuffer;
+struct pbString;
+struct pbStore;
+
+#define TR_EVENT_CREATED 0       // text: the stream's name
+#define TR_EVENT_RELEASED 1
+#define TR_EVENT_TEXT 2
+#define TR_EVENT_MESSAGE 3       // text and payload
+#define TR_EVENT_PROPERTY 4      // key and value or store; both null: deleted
+#define TR_EVENT_CONFIGURATION 5 // store
+#define TR_EVENT_NOTABLE 6       // value "true" or "false"
+#define TR_EVENT_LINKED 7        // kind, annotation in text, other
+
+// What a listener sees. All pointers are borrowed for the call and null where the kind has none.
+struct trEvent {
+    pbInt kind;
+    pbInt time;          // nanoseconds since 1970-01-01 00:00:00 UTC
+    pbInt stream;        // identifier
+    const struct pbString *name;
+    const struct pbString *text;
+    const struct pbString *key;
+    const struct pbString *value;
+    const struct pbStore *store;
+    const struct pbBuffer *payload;
+    pbInt anchorKind;
+    pbInt other;         // identifier of the linked stream
+};
+
+// The listener runs in tracing threads, one call at a time, with monitors held: it must be quick and must not call into
+// the traced libraries. One listener at most; null removes it, and no call runs after that returns.
+PB_API void trSystemSetListener( void ( *listener )( const struct trEvent *event, void *context ), void *context );
+// Per-packet texts are written only while this is true, which needs a listener too.
+PB_API pbBool trSystemAcceptsHighVolumeMessages( void );
+PB_API void trSystemSetAcceptsHighVolumeMessages( pbBool accepts );
+
+PB_DECLS_END
+
+#endif
