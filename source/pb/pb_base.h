@@ -24,9 +24,6 @@ typedef int64_t pbInt;   // every number of the interface
 typedef int pbBool;      // zero is false, everything else true; results are 0 or 1
 typedef uint32_t pbChar; // one Unicode code point
 
-// What a released module global holds, so that a use after shut-down faults instead of working by chance.
-#define PB___INVALID ( (void *)UINTPTR_MAX )
-
 #define PB_SIZEOF_ARRAY( array ) ( (pbInt)( sizeof( array ) / sizeof( ( array )[0] ) ) )
 #define PB_BOOL_FROM( value ) ( ( value ) ? 1 : 0 )
 #define PB_INT_FROM( value ) ( (pbInt)( value ) )
@@ -35,39 +32,25 @@ typedef uint32_t pbChar; // one Unicode code point
 #define PB_INT_MIN INT64_MIN
 
 // True when the 64-bit result does not overflow.
-#define PB_INT_ADD_OK( a, b ) ( pb___IntAddOk( ( a ), ( b ) ) )
-#define PB_INT_SUB_OK( a, b ) ( pb___IntSubOk( ( a ), ( b ) ) )
-#define PB_INT_MUL_OK( a, b ) ( pb___IntMulOk( ( a ), ( b ) ) )
-
-// True when the value is representable in the unsigned type.
-#define PB___INT_TO_UNSIGNED_TYPE_CONV_OK( value, type )                                                               \
-    ( ( value ) >= 0 && (uint64_t)( value ) <= (uint64_t)(type)~(type)0 )
+#define PB_INT_ADD_OK( a, b ) ( pbIntAddOk( ( a ), ( b ) ) )
+#define PB_INT_SUB_OK( a, b ) ( pbIntSubOk( ( a ), ( b ) ) )
+#define PB_INT_MUL_OK( a, b ) ( pbIntMulOk( ( a ), ( b ) ) )
 
 // A Unicode scalar value: 0..0x10FFFF without the surrogates.
 #define PB_CHAR_OK( c ) ( (pbChar)( c ) <= 0x10FFFFu && ( (pbChar)( c ) < 0xD800u || (pbChar)( c ) > 0xDFFFu ) )
 #define PB_CHAR_FULL_STOP ( (pbChar)0x2E )
 
-// A programming error ends the process: writes "FILE:LINE: EXPRESSION" to standard error, then abort().
-PB_API PB_NORETURN void pb___Abort( const char *file, int line, const char *expression );
-
-// PB_ASSERT is always on. The text is the expression as written; it is made here, at the outermost macro,
-// so that macros inside the expression are not expanded in it.
-#define PB_ASSERT( ... ) ( __builtin_expect( !( __VA_ARGS__ ), 0 ) ? pb___Abort( __FILE__, __LINE__, #__VA_ARGS__ ) : (void)0 )
-// For a promised text that the code cannot hold as an expression.
-#define PB_ASSERT_TEXT( condition, text )                                                                              \
-    ( __builtin_expect( !( condition ), 0 ) ? pb___Abort( __FILE__, __LINE__, ( text ) ) : (void)0 )
-
-static inline pbBool pb___IntAddOk( pbInt a, pbInt b )
+static inline pbBool pbIntAddOk( pbInt a, pbInt b )
 {
     pbInt result;
     return !__builtin_add_overflow( a, b, &result );
 }
-static inline pbBool pb___IntSubOk( pbInt a, pbInt b )
+static inline pbBool pbIntSubOk( pbInt a, pbInt b )
 {
     pbInt result;
     return !__builtin_sub_overflow( a, b, &result );
 }
-static inline pbBool pb___IntMulOk( pbInt a, pbInt b )
+static inline pbBool pbIntMulOk( pbInt a, pbInt b )
 {
     pbInt result;
     return !__builtin_mul_overflow( a, b, &result );

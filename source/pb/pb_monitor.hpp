@@ -3,7 +3,7 @@
 #ifndef PB_MONITOR_HPP
 #define PB_MONITOR_HPP
 
-#include "pb/pb_base.h"
+#include "pb/pb_assert.hpp"
 
 #include <condition_variable>
 #include <mutex>

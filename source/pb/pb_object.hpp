@@ -4,6 +4,7 @@
 #ifndef PB_OBJECT_HPP
 #define PB_OBJECT_HPP
 
+#include "pb/pb_assert.hpp"
 #include "pb/pb_obj.h"
 
 #include <atomic>
