@@ -1,0 +1,23 @@
+// Runs a fuzz driver over every file of the directories given: how a corpus takes part in the ordinary tests.
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size );
+
+int main( int argumentCount, char **arguments )
+{
+    size_t inputs = 0;
+    for ( int i = 1; i < argumentCount; ++i )
+        for ( const auto &entry : std::filesystem::directory_iterator( arguments[i] ) ) {
+            std::ifstream file( entry.path(), std::ios::binary );
+            const std::vector<char> bytes( std::istreambuf_iterator<char>( file ), {} );
+            LLVMFuzzerTestOneInput( reinterpret_cast<const uint8_t *>( bytes.data() ), bytes.size() );
+            ++inputs;
+        }
+    std::printf( "%zu inputs\n", inputs );
+    return inputs > 0 ? 0 : 1; // an empty corpus proves nothing
+}
