@@ -188,6 +188,13 @@ concept HasToString = requires( const T &value ) {
     { value.toString() } -> std::same_as<Ref<struct pbString>>;
 };
 
+// Object's own order is inherited and would make every object of a type equal: only a type's own member counts.
+template <class C, class R> std::type_identity<C> memberOf( R ( C::* )( const C & ) const );
+template <class T>
+concept HasOrder = requires {
+    { memberOf( &T::operator<=> ) } -> std::same_as<std::type_identity<T>>;
+};
+
 template <class T> pbInt compareObjects( const pbObj *a, const pbObj *b )
 {
     const auto order = static_cast<const T &>( *a ) <=> static_cast<const T &>( *b );
@@ -208,7 +215,7 @@ template <class T> constexpr pbSort makeSort( const char *name )
     pbSort sort{ name, []( pbObj *obj ) { delete static_cast<T *>( obj ); }, nullptr, nullptr };
     if constexpr ( HasToString<T> )
         sort.toString = []( const pbObj *obj ) { return static_cast<const T *>( obj )->toString().release(); };
-    if constexpr ( std::three_way_comparable<T> )
+    if constexpr ( HasOrder<T> )
         sort.compare = compareObjects<T>;
     return sort;
 }
