@@ -1,6 +1,6 @@
 // The loaded configuration: named records of sort and store, each with a live object once started.
-// A file is JSON with // and /* */ comments: {"objects": {NAME: {"sort": "IN_STACK", "config": {...}}}}. Objects become
-// stores, arrays store arrays; numbers and booleans their text.
+// A file is JSON with // and /* */ comments: {"objects": {NAME: {"sort": "IN_STACK", "config": {...}}}}; "config" may be
+// left out. Objects become stores, arrays store arrays; numbers and booleans their text as written.
 #ifndef CS_CONFIGURATION_H
 #define CS_CONFIGURATION_H
 
@@ -10,7 +10,7 @@ PB_DECLS_BEGIN
 
 struct csConfiguration;
 struct csStatusReporter;
-struct pbSignalable;
+struct pbSort;
 struct pbStore;
 struct pbString;
 struct pbVector;
@@ -26,11 +26,16 @@ PB_API pbBool csConfigurationEquals( const struct csConfiguration *a, const stru
 
 // Reads and checks a whole file; nothing is started. Null when anything is wrong, and then *problems holds one pbString
 // "FILE:LINE:COLUMN: error: OBJECT.key: what is wrong, what was expected" per problem, in the order of the file;
-// otherwise *problems is an empty vector. Needs the module backends of the sorts that the file names.
+// otherwise *problems is an empty vector. What it held before is released. Lines and columns count from 1, columns in
+// code points. All problems are found in one pass; one that makes the rest unreadable (not JSON, not UTF-8) ends it.
+// Limits: 16 MiB, nesting of 64, 250,000 values, 1,000 problems told.
+// Needs the module backends of the sorts that the file names: their own normalisation says which values are dropped.
 PB_API struct csConfiguration *csConfigurationTryLoad( const struct pbString *path, struct pbVector **problems );
 // The same from memory; name stands for the file in messages.
-PB_API struct csConfiguration *csConfigurationTryParse( const void *bytes, pbInt byteCount, const struct pbString *name, struct pbVector **problems );
-// Creates the live objects, in the order of the file.
+PB_API struct csConfiguration *csConfigurationTryParse( const void *bytes, pbInt byteCount, const struct pbString *name,
+                                                        struct pbVector **problems );
+
+// Creates the live objects, in the order of the file. A started configuration is left as it is.
 PB_API void csConfigurationStart( struct csConfiguration *configuration );
 // Releases them, in reverse order; once started it must be stopped before the module backends go.
 PB_API void csConfigurationStop( struct csConfiguration *configuration );
@@ -39,11 +44,15 @@ PB_API void csConfigurationStop( struct csConfiguration *configuration );
 PB_API pbInt csConfigurationLength( const struct csConfiguration *configuration );
 PB_API struct pbString *csConfigurationNameAt( const struct csConfiguration *configuration, pbInt index );
 PB_API struct pbString *csConfigurationSortNameAt( const struct csConfiguration *configuration, pbInt index );
+// As written in the file; empty when the record gives none.
 PB_API struct pbStore *csConfigurationStoreAt( const struct csConfiguration *configuration, pbInt index );
-PB_API struct pbObj *csConfigurationObjectAt( const struct csConfiguration *configuration, pbInt index ); // or null
-PB_API struct csStatusReporter *csConfigurationStatusAt( const struct csConfiguration *configuration, pbInt index ); // or null
+// Null while stopped and when the object could not be created.
+PB_API struct pbObj *csConfigurationObjectAt( const struct csConfiguration *configuration, pbInt index );
+// Null also when the sort has no status.
+PB_API struct csStatusReporter *csConfigurationStatusAt( const struct csConfiguration *configuration, pbInt index );
 // The live object of that name and sort, or null.
-PB_API struct pbObj *csConfigurationObject( const struct csConfiguration *configuration, const struct pbString *name, const struct pbSort *sort );
+PB_API struct pbObj *csConfigurationObject( const struct csConfiguration *configuration, const struct pbString *name,
+                                            const struct pbSort *sort );
 // "modules" with the information of every module backend.
 PB_API struct pbStore *csConfigurationModules( void );
 // A record name: 1 to 255 letters, digits, "_", "-", "." (ASCII).

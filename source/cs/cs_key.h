@@ -1,4 +1,4 @@
-// csKey: one key of a stored configuration, as messages and editors need it. Static tables.
+// csKey: one key of a stored configuration, as messages, printers and editors need it. Static tables.
 #ifndef CS_KEY_H
 #define CS_KEY_H
 
@@ -9,18 +9,18 @@ PB_DECLS_BEGIN
 #define CS_KEY_TEXT 0
 #define CS_KEY_INT 1
 #define CS_KEY_BOOL 2
-#define CS_KEY_ENUM 3   // one of names
-#define CS_KEY_FLAGS 4  // names joined by "|"
-#define CS_KEY_STORE 5  // keys
-#define CS_KEY_ARRAY 6  // entries as described by keys[0], whose own key is ""
+#define CS_KEY_ENUM 3  // one of names
+#define CS_KEY_FLAGS 4 // names joined by "|"
+#define CS_KEY_STORE 5 // keys
+#define CS_KEY_ARRAY 6 // entries as described by keys[0], whose own key is ""
 
 struct csKey {
     const char *key;
-    pbInt kind;              // CS_KEY_...
-    const char *expected;    // "an IP address", "1..65535"; static text
-    pbInt minimum, maximum;  // of CS_KEY_INT
+    pbInt kind;               // CS_KEY_...
+    const char *expected;     // "an IP address", "1..65535"; null: told from the kind and what follows
+    pbInt minimum, maximum;   // of CS_KEY_INT; both 0: any integer
     const char *const *names; // of CS_KEY_ENUM and CS_KEY_FLAGS, null-terminated
-    const struct csKey *keys; // of CS_KEY_STORE and CS_KEY_ARRAY
+    const struct csKey *keys; // of CS_KEY_STORE and CS_KEY_ARRAY; null: not described
     pbInt keyCount;
 };
 

@@ -1,5 +1,6 @@
-// csModuleBackend: a module's presence in the configuration service. While it exists the service may call the callbacks
-// of the sorts; releasing it stops all calls into the module and waits for those under way.
+// csModuleBackend: a module's presence in the configuration service. It takes charge of the sorts registered before it
+// and by no other module; while it exists the service may call their callbacks. Releasing the last reference stops all
+// calls into the module and waits for those under way; not from inside a callback.
 #ifndef CS_MODULE_BACKEND_H
 #define CS_MODULE_BACKEND_H
 
@@ -19,7 +20,7 @@ PB_API struct pbString *csModuleBackendToString( const struct csModuleBackend *o
 PB_API pbInt csModuleBackendCompare( const struct csModuleBackend *a, const struct csModuleBackend *b );
 PB_API pbBool csModuleBackendEquals( const struct csModuleBackend *a, const struct csModuleBackend *b );
 
-// The module's information is stored under "modules", the module's name, "info".
+// The descriptor is static. The module's information is stored under "modules", the module's name, "info".
 PB_API struct csModuleBackend *csModuleBackendCreate( const struct pbModule *module, struct pbStore *( *optionalInfo )( void ) );
 
 PB_DECLS_END
