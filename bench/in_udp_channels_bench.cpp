@@ -1,0 +1,61 @@
+// Creating and destroying a channel while 10, 1,000 and 16,000 others are held, and the memory of an idle channel.
+#include "bench_ratio.hpp"
+#include "bench_udp.hpp"
+
+#include <sys/resource.h>
+
+#include <cstring>
+
+namespace {
+
+long residentKilobytes()
+{
+    std::FILE *status = std::fopen( "/proc/self/status", "re" );
+    char line[256];
+    long kilobytes = 0;
+    while ( status && std::fgets( line, sizeof line, status ) )
+        if ( std::sscanf( line, "VmRSS: %ld", &kilobytes ) == 1 )
+            break;
+    if ( status )
+        std::fclose( status );
+    return kilobytes;
+}
+
+void createDestroy( benchmark::State &state )
+{
+    const auto stack = bench::loopbackStack();
+    std::vector<pb::Ref<struct inUdpChannel>> held;
+    const long before = residentKilobytes();
+    for ( long i = 0; i < state.range( 0 ); ++i )
+        held.push_back( bench::openChannel( stack.get() ) );
+    state.counters["bytes_per_idle_channel"] =
+        static_cast<double>( residentKilobytes() - before ) * 1024 / static_cast<double>( state.range( 0 ) );
+    for ( auto _ : state )
+        benchmark::DoNotOptimize( bench::openChannel( stack.get() ).get() );
+}
+BENCHMARK( createDestroy )->Arg( 10 )->Arg( 1000 )->Arg( 16000 )->Unit( benchmark::kMicrosecond );
+
+// What the system itself takes for a bound socket that epoll watches.
+void bareSocket( benchmark::State &state )
+{
+    for ( auto _ : state ) {
+        sockaddr_in address;
+        close( bench::openSocket( &address ) );
+    }
+}
+BENCHMARK( bareSocket )->Unit( benchmark::kMicrosecond );
+
+} // namespace
+
+int main( int argumentCount, char **arguments )
+{
+    rlimit limit{};
+    getrlimit( RLIMIT_NOFILE, &limit );
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit( RLIMIT_NOFILE, &limit );
+    const bench::Modules modules;
+    return bench::run( argumentCount, arguments,
+                       { { "createDestroy/1000", "createDestroy/10", 1.25, "" },
+                         { "createDestroy/16000", "createDestroy/10", 1.25, "" },
+                         { "createDestroy/10", "bareSocket", 0, "" } } );
+}
