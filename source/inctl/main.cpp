@@ -1,0 +1,163 @@
+// inctl: the host program of Internetworking. Reads the command line, runs the sub-command, turns failures into
+// sentences and exit codes.
+#include "inctl/command.hpp"
+#include "inctl/nearest.hpp"
+#include "inctl/waiter.hpp"
+
+#include <fmt/format.h>
+
+#include <clocale>
+#include <cstdio>
+
+namespace inctl {
+namespace {
+
+constexpr const char *exitCodes = "Exit codes:\n"
+                                  "  0 yes        1 the answer is no    2 wrong usage    3 bad configuration\n"
+                                  "  4 not permitted (the message names the capability)  5 system error\n";
+
+const CLI::App &deepest( const CLI::App &app )
+{
+    const auto chosen = app.get_subcommands();
+    return chosen.empty() ? app : deepest( *chosen.back() );
+}
+
+std::vector<std::string> optionNames( const CLI::App &command )
+{
+    std::vector<std::string> names;
+    for ( const CLI::Option *option : command.get_options() ) {
+        for ( const std::string &name : option->get_lnames() )
+            names.push_back( "--" + name );
+        for ( const std::string &name : option->get_snames() )
+            names.push_back( "-" + name );
+    }
+    return names;
+}
+
+std::vector<std::string> commandNames( const CLI::App &command )
+{
+    std::vector<std::string> names;
+    for ( const CLI::App *child : command.get_subcommands( []( const CLI::App * ) { return true; } ) )
+        names.push_back( child->get_name() );
+    return names;
+}
+
+// What the parser could not place says more than its own message: a name close to it was probably meant.
+std::string explain( const CLI::App &app, const CLI::ParseError &error )
+{
+    const CLI::App &command = deepest( app );
+    const std::vector<std::string> remaining = app.remaining( true );
+    for ( const std::string &argument : remaining )
+        if ( argument.size() > 1 && argument[0] == '-' ) {
+            const std::string name = argument.substr( 0, argument.find( '=' ) );
+            std::vector<std::string> near = nearestNames( name, optionNames( command ) );
+            return fmt::format( "unknown option {}{}", name,
+                                near.empty() ? "" : suggestion( name, optionNames( command ) ) );
+        }
+    if ( !remaining.empty() && !commandNames( command ).empty() )
+        return fmt::format( "unknown sub-command {}{}", remaining[0], suggestion( remaining[0], commandNames( command ) ) );
+    if ( !remaining.empty() )
+        return fmt::format( "unexpected argument {}", remaining[0] );
+    return error.what();
+}
+
+std::string fullName( const CLI::App &command )
+{
+    return command.get_parent() ? fullName( *command.get_parent() ) + " " + command.get_name() : command.get_name();
+}
+
+// --json may stand behind the mistake that ended the parsing.
+void noteJson( Context &context, int argumentCount, char **arguments )
+{
+    for ( int i = 1; i < argumentCount; ++i )
+        if ( const std::string_view argument = arguments[i]; argument == "--json" || argument.starts_with( "--json=" ) )
+            context.output.form = Output::Form::JsonShort;
+}
+
+Exit parse( CLI::App &app, Context &context, int argumentCount, char **arguments )
+{
+    try {
+        app.parse( argumentCount, arguments );
+        if ( !context.jsonForm.empty() )
+            context.output.form =
+                context.jsonForm == "pretty" ? Output::Form::JsonPretty : Output::Form::JsonShort;
+        return Exit::Yes;
+    } catch ( const CLI::Success &success ) { // --help
+        app.exit( success );
+        context.run = nullptr;
+        return Exit::Yes;
+    } catch ( const CLI::ParseError &error ) {
+        noteJson( context, argumentCount, arguments );
+        context.run = nullptr;
+        context.output.failure( { Exit::Usage, explain( app, error ) } );
+        fmt::print( stderr, "Try: {} --help\n", fullName( deepest( app ) ) );
+        return Exit::Usage;
+    }
+}
+
+Exit run( int argumentCount, char **arguments )
+{
+    Context context;
+    CLI::App app( "Shows and runs the host's IP networking as communications servers see it.", "inctl" );
+    app.require_subcommand( 1 );
+    app.get_formatter()->column_width( 32 );
+    app.failure_message( CLI::FailureMessage::simple );
+    app.footer( std::string( exitCodes )
+                + "\nBegin with:\n"
+                  "  inctl tour                     what it does, on this host, in a few seconds\n"
+                  "  inctl interfaces               what the host has\n"
+                  "  inctl run examples/sip.json    a configuration, live\n" );
+    addJsonOption( app, context );
+    addInterfaces( app, context );
+    addDnsServers( app, context );
+    CLI::App *udp = app.add_subcommand( "udp", "Send and receive datagrams through channels of the library" );
+    udp->require_subcommand( 1 );
+    udp->footer( exitCodes );
+    addUdpSend( *udp, context );
+    addUdpReceive( *udp, context );
+    addRun( app, context );
+    addTour( app, context );
+    addVersion( app, context );
+
+    const Exit parsed = parse( app, context, argumentCount, arguments );
+    if ( !context.run )
+        return parsed;
+    try {
+        return context.run();
+    } catch ( const Failure &failure ) {
+        context.output.failure( failure );
+        return failure.exit;
+    }
+}
+
+} // namespace
+
+void addJsonOption( CLI::App &command, Context &context )
+{
+    command.add_flag( "--json{short}", context.jsonForm, "JSON instead of text: --json=short (one line) or --json=pretty" )
+        ->check( CLI::IsMember( { "short", "pretty" } ) );
+}
+
+CLI::App *addCommand( CLI::App &parent, Context &context, const std::string &name, const std::string &description,
+                      const std::string &examples )
+{
+    CLI::App *command = parent.add_subcommand( name, description );
+    command->footer( "Examples:\n" + examples + "\n" + exitCodes );
+    addJsonOption( *command, context );
+    return command;
+}
+
+} // namespace inctl
+
+int main( int argumentCount, char **arguments )
+{
+    // Only characters: numbers are printed the same everywhere.
+    std::setlocale( LC_CTYPE, "" );
+    inctl::blockStopSignals();
+    try {
+        return static_cast<int>( inctl::run( argumentCount, arguments ) );
+    } catch ( const std::exception &error ) {
+        fmt::print( stderr, "inctl: {}\n", error.what() );
+        return static_cast<int>( inctl::Exit::System );
+    }
+}

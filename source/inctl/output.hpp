@@ -1,0 +1,51 @@
+// Output: what a command shows, either lines for a person or JSON for a program, never both.
+#ifndef INCTL_OUTPUT_HPP
+#define INCTL_OUTPUT_HPP
+
+#include "inctl/exit_code.hpp"
+#include "inctl/record.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace inctl {
+
+enum class Paint { Plain, Good, Bad, Faint, Strong };
+
+class Output {
+public:
+    enum class Form { Text, JsonShort, JsonPretty };
+
+    Form form = Form::Text;
+
+    bool json() const { return form != Form::Text; }
+    // Colour is for terminals only, and not where NO_COLOR is set (no-color.org).
+    bool colour() const;
+    std::string paint( Paint paint, std::string_view text ) const;
+
+    // A line for a person; nothing when JSON is wanted.
+    void line( std::string_view text );
+    // A whole result, or one event of a stream; nothing unless JSON is wanted.
+    void record( const Record &record );
+    // The sentence to standard error, and for programs {"error": ...} to standard output.
+    void failure( const Failure &failure );
+
+    // Standard output takes nothing any more, as when the reader of a pipe has gone: time to stop.
+    bool broken() const { return broken_; }
+
+private:
+    void write( std::string_view text );
+
+    bool broken_ = false;
+};
+
+// The time of day here, to the millisecond, and for records the time in RFC 3339 form (UTC, microseconds).
+std::string timeOfDay();
+std::string timeStamp();
+
+// Wraps text in the escape sequence of a paint.
+std::string painted( Paint paint, std::string_view text );
+
+} // namespace inctl
+
+#endif
