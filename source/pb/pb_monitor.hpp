@@ -48,11 +48,12 @@ public:
     }
     void leave() PB_RELEASE() PB_NO_THREAD_SAFETY_ANALYSIS
     {
-        mutex_.unlock();
+        // Nothing of the monitor is touched after the unlock: whoever enters next may destroy it.
 #ifndef NDEBUG
         if ( rank_ )
             pb___MonitorRankLeave( rank_ );
 #endif
+        mutex_.unlock();
     }
     // For condition variables beside a monitor.
     std::mutex &native() noexcept { return mutex_; }

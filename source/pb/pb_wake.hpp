@@ -13,7 +13,8 @@ PB_API struct pbSignalable *pb___SignalableCreate( void ( *wake )( struct pbObj 
 PB_API struct pbAlertable *pb___AlertableCreate( void ( *wake )( struct pbObj *target ), struct pbObj *target );
 
 // Between Begin and End of the calling thread, Unblock of a barrier changes its count at once but holds back the system
-// call that wakes sleepers until Flush (each barrier once). A thread must flush before it sleeps.
+// call that wakes sleepers until Flush (each barrier once) or the outermost End. A thread must flush before it sleeps;
+// passing a barrier and pbSleep do.
 PB_API void pb___WakesHoldBegin( void );
 PB_API void pb___WakesHoldEnd( void );
 PB_API void pb___WakesFlush( void );
@@ -26,5 +27,19 @@ PB_API void pb___ClockAdvance( pbInt milliseconds );
 // Joins the timer thread, if one was started. Called by the module's shut-down; timers can be used again afterwards.
 PB_API void pb___TimerShutdown( void );
 }
+
+namespace pb {
+
+// Holds back wakes for a scope. Declared before a monitor's guard, the wakes happen after the monitor was left: a thread
+// that is woken earlier would only find it taken.
+class WakeHold {
+public:
+    WakeHold() noexcept { pb___WakesHoldBegin(); }
+    ~WakeHold() { pb___WakesHoldEnd(); }
+    WakeHold( const WakeHold & ) = delete;
+    WakeHold &operator=( const WakeHold & ) = delete;
+};
+
+} // namespace pb
 
 #endif
