@@ -26,7 +26,7 @@ struct JsonValue {
     size_t offset = 0;      // of its first byte
     bool complete = false;  // false where the text ended inside it
     std::string text{};     // of Bool, Number (as written) and String (without escapes)
-    std::vector<JsonMember> members{}; // of Object and Array
+    std::vector<JsonMember> members;  // of Object and Array
 
     bool isContainer() const noexcept { return kind == Kind::Object || kind == Kind::Array; }
     const JsonMember *find( std::string_view key ) const noexcept; // or null

@@ -2,14 +2,12 @@
 #include "inctl/command.hpp"
 #include "inctl/host.hpp"
 #include "inctl/interface_view.hpp"
-#include "inctl/nearest.hpp"
 #include "inctl/waiter.hpp"
 
 #include "in/nw/in_nw_interfaces.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -67,14 +65,10 @@ void showChanges( Output &output, Waiter &waiter, std::map<std::string, Interfac
 Exit showInterfaces( Output &output, const InterfacesOptions &options )
 {
     const Host host;
+    if ( !options.name.empty() )
+        requireInterface( options.name );
     std::vector<InterfaceView> views = interfaces();
-    std::vector<std::string> names;
-    for ( const InterfaceView &view : views )
-        names.push_back( view.name() );
     keepNamed( views, options.name );
-    if ( views.empty() && !options.name.empty() )
-        throw Failure{ Exit::No,
-                       fmt::format( "no interface is named {}{}", options.name, suggestion( options.name, names ) ) };
     printInterfaces( output, views );
     if ( !options.watch ) {
         output.record( Record().set( "interfaces", interfacesRecord( views ) ) );

@@ -2,6 +2,7 @@
 #include "inctl/interface_view.hpp"
 
 #include "inctl/items.hpp"
+#include "inctl/nearest.hpp"
 
 #include "in/base/in_address.h"
 #include "in/base/in_network.h"
@@ -11,6 +12,8 @@
 #include "in/nw/in_nw_mac_address.h"
 
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace inctl {
 namespace {
@@ -100,6 +103,15 @@ std::vector<InterfaceView> interfaces()
     for ( auto &interface : items( pb::adopt( inNwInterfacesVector() ), inNwInterfaceFrom ) )
         views.emplace_back( std::move( interface ) );
     return views;
+}
+
+void requireInterface( const std::string &name )
+{
+    std::vector<std::string> names;
+    for ( const InterfaceView &view : interfaces() )
+        names.push_back( view.name() );
+    if ( std::find( names.begin(), names.end(), name ) == names.end() )
+        throw Failure{ Exit::No, fmt::format( "no interface is named {}{}", name, suggestion( name, names ) ) };
 }
 
 void printInterfaces( Output &output, const std::vector<InterfaceView> &views )

@@ -31,6 +31,9 @@ struct InterfaceView {
 // All of the host, ascending by name.
 std::vector<InterfaceView> interfaces();
 
+// Throws Failure, with the names that are near, unless the host has an interface of that name.
+void requireInterface( const std::string &name );
+
 void printInterfaces( Output &output, const std::vector<InterfaceView> &views );
 Record interfacesRecord( const std::vector<InterfaceView> &views );
 

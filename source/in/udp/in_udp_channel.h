@@ -35,9 +35,10 @@ IN_API struct pbString *inUdpChannelToString( const struct inUdpChannel *obj );
 IN_API pbInt inUdpChannelCompare( const struct inUdpChannel *a, const struct inUdpChannel *b );
 IN_API pbBool inUdpChannelEquals( const struct inUdpChannel *a, const struct inUdpChannel *b );
 
-// optionalLocalPort: 1..65535, or IN_UDP_PORT_INVALID for one of the port range of the stack's UDP options, else, without
-// a range, one that the system chooses. flags: IN_UDP_FLAG_. The map stack and the filter must be null until there are any.
-// Null when the stack has no address, the port or every port of the range is in use, or the system refuses a socket.
+// optionalLocalPort: 1..65535, or IN_UDP_PORT_INVALID for one of the port range of the stack's UDP options, else,
+// without a range, one that the system chooses. flags: IN_UDP_FLAG_. The map stack and the filter must be null until
+// there are any. Null when the stack has no address, the port or every port of the range is in use, or the system
+// refuses a socket.
 IN_API struct inUdpChannel *inUdpChannelTryCreate( struct inStack *stack, struct inQosStack *optionalQosStack,
                                                    struct inMapStack *optionalMapStack, struct inFilter *optionalFilter,
                                                    pbInt optionalLocalPort, uint64_t flags,

@@ -14,8 +14,8 @@ struct inStack;
 struct pbVector;
 struct trAnchor;
 
-// Two inUdpChannel, RTP first; ports from the range of the stack's UDP options, else as the system chooses. Null, and the
-// step traced, when the stack has no address or no pair was found within a bounded search. The map stack and the
+// Two inUdpChannel, RTP first; ports from the range of the stack's UDP options, else as the system chooses. Null, and
+// the step traced, when the stack has no address or no pair was found within a bounded search. The map stack and the
 // filter must be null until there are any.
 IN_API struct pbVector *inUdpChannelsVectorTryCreateRtp( struct inStack *stack, struct inQosStack *optionalQosStack,
                                                          struct inMapStack *optionalMapStack,
