@@ -1,0 +1,326 @@
+// in___StackImp: following the host's interfaces for a stack, and the stack's list of TCP peers to avoid.
+#include "in/base/in_stack_imp_internal.h"
+
+#include "cs/cs_status_reporter.h"
+#include "in/base/in_address.h"
+#include "in/base/in_options.h"
+#include "in/base/in_stack_decisions.hpp"
+#include "in/nw/in_nw_interface.h"
+#include "in/nw/in_nw_util_internal.h"
+#include "in/tcp/in_tcp_address.h"
+#include "in/tcp/in_tcp_options.h"
+#include "pb/pb_monitor.hpp"
+#include "pb/pb_signal.h"
+#include "pb/pb_store.h"
+#include "pb/pb_string.hpp"
+#include "pb/pb_time.h"
+#include "pb/pb_timer.h"
+#include "pb/pb_vector.h"
+#include "pr/pr_process.h"
+#include "tr/tr.hpp"
+
+#include <algorithm>
+#include <atomic>
+
+PB_SORT_DECLARE( in___sort_IN___STACK_IMP )
+
+namespace {
+
+// What the stack is bound to.
+struct Binding {
+    pb::Ref<struct inAddress> address;
+    pb::Ref<struct inNwInterface> primaryInterface;
+    pb::Ref<struct pbVector> interfaces = pb::adopt( pbVectorCreate() );
+};
+
+// What a run of the process has found changed.
+struct Changes {
+    bool address = false;
+    bool interfaces = false; // the primary one or the set
+    bool up = false;
+};
+
+// Counts the imps that are halted and not yet gone. An imp's first member: what it counts for is destroyed before it.
+class HaltMark {
+public:
+    ~HaltMark()
+    {
+        if ( set_ && count.fetch_sub( 1, std::memory_order_acq_rel ) == 1 )
+            count.notify_all();
+    }
+    void set()
+    {
+        if ( !set_.exchange( true ) )
+            count.fetch_add( 1, std::memory_order_relaxed );
+    }
+    static void waitForNone()
+    {
+        for ( int64_t current; ( current = count.load( std::memory_order_acquire ) ) != 0; )
+            count.wait( current, std::memory_order_acquire );
+    }
+
+private:
+    static inline std::atomic<int64_t> count;
+    std::atomic<bool> set_ = false;
+};
+
+} // namespace
+
+struct in___StackImp final : pb::Object<struct in___StackImp, in___sort_IN___STACK_IMP> {
+    in___StackImp( const struct inOptions *options, struct trAnchor *optionalAnchor );
+    ~in___StackImp();
+
+    void run();
+    void halt();
+
+    HaltMark halted;
+
+    // Fixed after construction.
+    const pb::Ref<struct trStream> trace = pb::adopt( trStreamCreateCstr( "IN_STACK", -1 ) );
+    const pb::Ref<struct csStatusReporter> status;
+    const pb::Ref<struct prProcess> process;
+    const pb::Ref<struct pbSignalable> signalable;
+    const pb::Ref<struct pbTimer> timer;
+
+    mutable pb::Monitor monitor{ 20 };
+    // Guarded by the monitor.
+    pb::Ref<struct pbSignal> update PB_GUARDED_BY( monitor ) = pb::adopt( pbSignalCreate() );
+    pb::Ref<struct inOptions> options PB_GUARDED_BY( monitor );
+    Binding binding PB_GUARDED_BY( monitor );
+    bool up PB_GUARDED_BY( monitor ) = false;
+    in::TcpBlacklist blacklist PB_GUARDED_BY( monitor );
+
+private:
+    // The steps of a run.
+    void applyOptions() PB_REQUIRES( monitor );
+    Binding findBinding() PB_REQUIRES( monitor );
+    void publishAddress( const Binding &found ) PB_REQUIRES( monitor );
+    void publishInterfaces( const Binding &found ) PB_REQUIRES( monitor );
+    bool publishUp() PB_REQUIRES( monitor );
+    void assertUpdate() PB_REQUIRES( monitor );
+    void scheduleTimer( std::optional<pbInt> expiry, pbInt now ) PB_REQUIRES( monitor );
+
+    pb::Ref<struct inOptions> optionsInEffect_ PB_GUARDED_BY( monitor );
+    pb::Ref<struct trStream> interfacesTrace_ PB_GUARDED_BY( monitor );
+};
+
+PB_OBJECT_DEFINE( in___StackImp, in___sort_IN___STACK_IMP )
+
+in___StackImp::in___StackImp( const struct inOptions *initialOptions, struct trAnchor *optionalAnchor )
+    : status( pb::adopt( csStatusReporterCreate(
+          pb::adopt( trAnchorCreate( trace.get(), TR_ANCHOR_KIND_PLAIN ) ).get() ) ) ),
+      process( pb::adopt( prProcessCreateWithPriorityCstr( 1, in___StackImpProcessFunc, this, "in___StackImpProcessFunc", -1 ) ) ),
+      signalable( pb::adopt( prProcessCreateSignalable( process.get() ) ) ),
+      timer( pb::adopt( prProcessCreateTimer( process.get() ) ) ), options( pb::share( initialOptions ) )
+{
+    csStatusReporterSetUp( status.get(), false );
+    if ( optionalAnchor )
+        trAnchorComplete( optionalAnchor, trace.get() );
+}
+
+in___StackImp::~in___StackImp()
+{
+    in___NwUtilInterfacesUpdateDelSignalable( signalable.get() );
+}
+
+void in___StackImp::run()
+{
+    pb::Guard guard( monitor );
+    const pbInt now = pbTimestamp();
+    Changes changes;
+
+    applyOptions();
+    const Binding found = findBinding();
+    changes.address = found.address != binding.address;
+    // Interfaces compare by identity.
+    changes.interfaces = found.primaryInterface != binding.primaryInterface || found.interfaces != binding.interfaces;
+    if ( changes.address )
+        publishAddress( found );
+    if ( changes.interfaces )
+        publishInterfaces( found );
+    changes.up = publishUp();
+    if ( changes.address || changes.interfaces || changes.up )
+        assertUpdate();
+    blacklist.expire( now );
+    scheduleTimer( blacklist.earliestExpiry(), now );
+}
+
+// Equal options that are another object are taken over as well: the trace then shows what was configured.
+void in___StackImp::applyOptions()
+{
+    if ( options.is( optionsInEffect_ ) )
+        return;
+    optionsInEffect_ = options;
+    trStreamSetConfiguration( trace.get(), pb::adopt( inOptionsStore( optionsInEffect_.get(), false ) ).get() );
+}
+
+// Registers before it looks: what changes in between wakes the process again.
+Binding in___StackImp::findBinding()
+{
+    in___NwUtilInterfacesUpdateAddSignalable( signalable.get() );
+    Binding found = binding;
+    in___NwUtilFindAddressAndInterface( optionsInEffect_.get(), found.address.address(),
+                                        found.primaryInterface.address(), found.interfaces.address() );
+    return found;
+}
+
+void in___StackImp::publishAddress( const Binding &found )
+{
+    binding.address = found.address;
+    if ( const auto &address = binding.address )
+        csStatusReporterSetItemCstr( status.get(), "inStackAddress", -1, pb::adopt( inAddressToString( address.get() ) ).get() );
+    else
+        csStatusReporterDelItemCstr( status.get(), "inStackAddress", -1 );
+}
+
+void in___StackImp::publishInterfaces( const Binding &found )
+{
+    binding.primaryInterface = found.primaryInterface;
+    binding.interfaces = found.interfaces;
+
+    interfacesTrace_ = pb::adopt( trStreamCreateCstr( "in___StackImpUpdateInterfaces()", -1 ) );
+    struct trStream *stream = interfacesTrace_.get();
+    trAnchorComplete( pb::adopt( trAnchorCreate( trace.get(), TR_ANCHOR_KIND_PLAIN ) ).get(), stream );
+    if ( binding.primaryInterface ) {
+        const auto anchor = pb::adopt(
+            trAnchorCreateWithAnnotationCstr( stream, TR_ANCHOR_KIND_PLAIN, "inPrimaryInterface", -1 ) );
+        inNwInterfaceTraceCompleteAnchor( binding.primaryInterface.get(), anchor.get() );
+    }
+    for ( pbInt index = 0; index < pbVectorLength( binding.interfaces.get() ); ++index ) {
+        const auto iface = pb::adopt( inNwInterfaceFrom( pbVectorObjAt( binding.interfaces.get(), index ) ) );
+        inNwInterfaceTraceCompleteAnchor( iface.get(), pb::adopt( trAnchorCreate( stream, TR_ANCHOR_KIND_PLAIN ) ).get() );
+    }
+}
+
+bool in___StackImp::publishUp()
+{
+    const bool isUp = in::anyInterfaceUp( binding.interfaces.get() );
+    if ( isUp == up )
+        return false;
+    up = isUp;
+    csStatusReporterSetUp( status.get(), up );
+    return true;
+}
+
+void in___StackImp::assertUpdate()
+{
+    pbSignalAssert( update.get() );
+    update = pb::adopt( pbSignalCreate() );
+}
+
+void in___StackImp::scheduleTimer( std::optional<pbInt> expiry, pbInt now )
+{
+    if ( expiry )
+        pbTimerSchedule( timer.get(), std::max( *expiry - now, PB_INT_FROM( 0 ) ) );
+    else
+        pbTimerUnschedule( timer.get() );
+}
+
+void in___StackImp::halt()
+{
+    tr::text( trace.get(), "[in___StackImpHalt()]" );
+    halted.set(); // before the process may drop the imp
+    prProcessHalt( process.get() );
+}
+
+struct in___StackImp *in___StackImpCreate( const struct inOptions *options, struct trAnchor *optionalAnchor )
+{
+    PB_ASSERT( options );
+    auto imp = pb::make<struct in___StackImp>( options, optionalAnchor );
+    imp->run();
+    return imp.release();
+}
+
+void in___StackImpProcessFunc( struct pbObj *argument )
+{
+    PB_ASSERT( argument );
+    in___StackImpFrom( argument )->run();
+}
+
+void in___StackImpHalt( struct in___StackImp *imp )
+{
+    PB_ASSERT( imp );
+    imp->halt();
+}
+
+void in___StackImpHaltWait( void )
+{
+    HaltMark::waitForNone();
+}
+
+void in___StackImpSetOptions( struct in___StackImp *imp, const struct inOptions *options )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( options );
+    pb::Guard guard( imp->monitor );
+    imp->options = pb::share( options );
+    prProcessSchedule( imp->process.get() );
+}
+
+void in___StackImpConfiguration( const struct in___StackImp *imp, struct inOptions **optionalOptions,
+                                 struct inAddress **optionalAddress, struct inNwInterface **optionalPrimaryInterface,
+                                 struct pbVector **optionalInterfaces, pbBool *optionalUp )
+{
+    PB_ASSERT( imp );
+    pb::Guard guard( imp->monitor );
+    if ( optionalOptions )
+        *optionalOptions = imp->options.share();
+    if ( optionalAddress )
+        *optionalAddress = imp->binding.address.share();
+    if ( optionalPrimaryInterface )
+        *optionalPrimaryInterface = imp->binding.primaryInterface.share();
+    if ( optionalInterfaces )
+        *optionalInterfaces = imp->binding.interfaces.share();
+    if ( optionalUp )
+        *optionalUp = imp->up;
+}
+
+void in___StackImpUpdateAddSignalable( struct in___StackImp *imp, struct pbSignalable *signalable )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( signalable );
+    pb::Guard guard( imp->monitor );
+    pbSignalAddSignalable( imp->update.get(), signalable );
+}
+
+void in___StackImpUpdateDelSignalable( struct in___StackImp *imp, struct pbSignalable *signalable )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( signalable );
+    pb::Guard guard( imp->monitor );
+    pbSignalDelSignalable( imp->update.get(), signalable );
+}
+
+struct csStatusReporter *in___StackImpCsStatus( const struct in___StackImp *imp )
+{
+    PB_ASSERT( imp );
+    return imp->status.share();
+}
+
+void in___StackImpTraceCompleteAnchor( struct in___StackImp *imp, struct trAnchor *anchor )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( anchor );
+    trAnchorComplete( anchor, imp->trace.get() );
+}
+
+// By the configured options, which may be newer than those in effect.
+void in___StackImpTcpBlacklist( struct in___StackImp *imp, const struct inTcpAddress *address )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( address );
+    pb::Guard guard( imp->monitor );
+    const auto tcpOptions = pb::adopt( inOptionsTcpOptions( imp->options.get() ) );
+    if ( !inTcpOptionsBlacklistEnabled( tcpOptions.get() ) )
+        return;
+    imp->blacklist.set( address, pbIntAddSaturating( pbTimestamp(), inTcpOptionsBlacklistTimeout( tcpOptions.get() ) ) );
+    prProcessSchedule( imp->process.get() );
+}
+
+pbBool in___StackImpTcpIsBlacklisted( const struct in___StackImp *imp, const struct inTcpAddress *address )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( address );
+    pb::Guard guard( imp->monitor );
+    return imp->blacklist.contains( address );
+}
