@@ -18,7 +18,8 @@ PB_API pbInt prDomainCompare( const struct prDomain *a, const struct prDomain *b
 PB_API pbBool prDomainEquals( const struct prDomain *a, const struct prDomain *b );
 
 // threads 1..64; priority as for pbThreadTrySpawnCstr; flags 0. Null when threads cannot be made. The last release
-// waits for the processes that run and joins the threads.
+// waits for the processes that run and joins the threads; it must not happen inside one of them. Processes of a released
+// domain that were pending or are scheduled later never run.
 PB_API struct prDomain *prDomainTryCreate( pbInt threads, pbInt priority, uint64_t flags );
 
 PB_DECLS_END

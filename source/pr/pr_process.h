@@ -1,6 +1,8 @@
 // prProcess: a function that the scheduler runs when something asks for it.
 // It never runs in the caller of schedule and never beside itself. Schedules before a run collapse into one; one during a
 // run causes one more. What was written before a schedule is visible to the run that it causes.
+// A pending or running process is kept alive by the scheduler: releasing the last reference neither cancels a run nor
+// waits for it. After the module's shut-down, or the domain's release, nothing runs any more.
 #ifndef PR_PROCESS_H
 #define PR_PROCESS_H
 
@@ -24,7 +26,8 @@ PB_API struct pbString *prProcessToString( const struct prProcess *obj );
 PB_API pbInt prProcessCompare( const struct prProcess *a, const struct prProcess *b );
 PB_API pbBool prProcessEquals( const struct prProcess *a, const struct prProcess *b );
 
-// The argument is retained until the process has halted and its last run has returned. priority 0..9, higher runs first.
+// The argument is retained until the process has halted and its last run has returned; a scheduler thread then releases
+// it. priority 0..9, higher runs first.
 PB_API struct prProcess *prProcessCreateWithPriorityCstr( pbInt priority, void ( *function )( struct pbObj *optionalArgument ),
                                                           struct pbObj *optionalArgument, const char *name, pbInt nameLength );
 // Runs in the threads of the domain, in which it may block.
