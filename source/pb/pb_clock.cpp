@@ -31,7 +31,10 @@ pbInt clockNow() noexcept
 
 bool clockIsDriven() noexcept { return driven.load( std::memory_order_acquire ); }
 
-pbInt clockToMonotonic( pbInt now ) noexcept { return now - ahead.load( std::memory_order_relaxed ); }
+pbInt clockToMonotonic( pbInt now ) noexcept
+{
+    return pbIntAddSaturating( now, -ahead.load( std::memory_order_relaxed ) );
+}
 
 void clockDrive( bool drive ) noexcept
 {

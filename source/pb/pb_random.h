@@ -6,7 +6,7 @@
 
 PB_DECLS_BEGIN
 
-// Uniform over low..high, both inclusive; low <= high.
+// Uniform over low..high, both inclusive; 0 <= low <= high.
 PB_API pbInt pbRandomNonNegativeIntRange( pbInt low, pbInt high );
 
 PB_DECLS_END
