@@ -44,52 +44,52 @@ IN_API struct inUdpChannel *inUdpChannelTryCreate( struct inStack *stack, struct
                                                    pbInt optionalLocalPort, uint64_t flags,
                                                    struct trAnchor *optionalAnchor );
 
-IN_API struct inStack *inUdpChannelStack( const struct inUdpChannel *channel );
-IN_API struct inQosStack *inUdpChannelQosStack( const struct inUdpChannel *channel ); // or null
-IN_API pbBool inUdpChannelHasQosStack( const struct inUdpChannel *channel );
-IN_API struct inMapStack *inUdpChannelMapStack( const struct inUdpChannel *channel ); // or null
-IN_API pbBool inUdpChannelHasMapStack( const struct inUdpChannel *channel );
-IN_API struct inFilter *inUdpChannelFilter( const struct inUdpChannel *channel ); // or null
-IN_API pbBool inUdpChannelHasFilter( const struct inUdpChannel *channel );
+IN_API struct inStack *inUdpChannelStack( const struct inUdpChannel *chan );
+IN_API struct inQosStack *inUdpChannelQosStack( const struct inUdpChannel *chan ); // or null
+IN_API pbBool inUdpChannelHasQosStack( const struct inUdpChannel *chan );
+IN_API struct inMapStack *inUdpChannelMapStack( const struct inUdpChannel *chan ); // or null
+IN_API pbBool inUdpChannelHasMapStack( const struct inUdpChannel *chan );
+IN_API struct inFilter *inUdpChannelFilter( const struct inUdpChannel *chan ); // or null
+IN_API pbBool inUdpChannelHasFilter( const struct inUdpChannel *chan );
 
 // As bound: an unspecified address stays unspecified.
-IN_API struct inUdpAddress *inUdpChannelLocalAddress( const struct inUdpChannel *channel );
-IN_API uint64_t inUdpChannelFlags( const struct inUdpChannel *channel );
-IN_API pbBool inUdpChannelError( const struct inUdpChannel *channel );
-IN_API void inUdpChannelErrorAddSignalable( struct inUdpChannel *channel, struct pbSignalable *signalable );
-IN_API void inUdpChannelErrorDelSignalable( struct inUdpChannel *channel, struct pbSignalable *signalable );
+IN_API struct inUdpAddress *inUdpChannelLocalAddress( const struct inUdpChannel *chan );
+IN_API uint64_t inUdpChannelFlags( const struct inUdpChannel *chan );
+IN_API pbBool inUdpChannelError( const struct inUdpChannel *chan );
+IN_API void inUdpChannelErrorAddSignalable( struct inUdpChannel *chan, struct pbSignalable *signalable );
+IN_API void inUdpChannelErrorDelSignalable( struct inUdpChannel *chan, struct pbSignalable *signalable );
 
 // Whether the address under which peers reach the channel is known. A channel without a map stack is mapped from the
 // start, to its local address.
-IN_API pbBool inUdpChannelMapped( const struct inUdpChannel *channel );
-IN_API void inUdpChannelMappedAddSignalable( struct inUdpChannel *channel, struct pbSignalable *signalable );
-IN_API void inUdpChannelMappedDelSignalable( struct inUdpChannel *channel, struct pbSignalable *signalable );
-IN_API struct inUdpAddress *inUdpChannelMappedLocalAddress( const struct inUdpChannel *channel );
+IN_API pbBool inUdpChannelMapped( const struct inUdpChannel *chan );
+IN_API void inUdpChannelMappedAddSignalable( struct inUdpChannel *chan, struct pbSignalable *signalable );
+IN_API void inUdpChannelMappedDelSignalable( struct inUdpChannel *chan, struct pbSignalable *signalable );
+IN_API struct inUdpAddress *inUdpChannelMappedLocalAddress( const struct inUdpChannel *chan );
 
 // One datagram; byteCount may be 0.
-IN_API void inUdpChannelSendBytes( struct inUdpChannel *channel, const struct inUdpAddress *remoteAddress,
+IN_API void inUdpChannelSendBytes( struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress,
                                    const void *bytes, pbInt byteCount );
-IN_API void inUdpChannelSend( struct inUdpChannel *channel, const struct inUdpPacket *packet );
+IN_API void inUdpChannelSend( struct inUdpChannel *chan, const struct inUdpPacket *packet );
 // The whole buffer and parts of it; here the buffer must not be empty and byteCount not 0. Outer sends what remains
 // without the bytes byteOffset..byteOffset + byteCount - 1, which may be nothing.
-IN_API void inUdpChannelSendBuffer( struct inUdpChannel *channel, const struct inUdpAddress *remoteAddress,
+IN_API void inUdpChannelSendBuffer( struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress,
                                     const struct pbBuffer *buffer );
-IN_API void inUdpChannelSendBufferLeading( struct inUdpChannel *channel, const struct inUdpAddress *remoteAddress,
+IN_API void inUdpChannelSendBufferLeading( struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress,
                                            const struct pbBuffer *buffer, pbInt byteCount );
-IN_API void inUdpChannelSendBufferTrailing( struct inUdpChannel *channel, const struct inUdpAddress *remoteAddress,
+IN_API void inUdpChannelSendBufferTrailing( struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress,
                                             const struct pbBuffer *buffer, pbInt byteCount );
-IN_API void inUdpChannelSendBufferInner( struct inUdpChannel *channel, const struct inUdpAddress *remoteAddress,
+IN_API void inUdpChannelSendBufferInner( struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress,
                                          const struct pbBuffer *buffer, pbInt byteOffset, pbInt byteCount );
-IN_API void inUdpChannelSendBufferOuter( struct inUdpChannel *channel, const struct inUdpAddress *remoteAddress,
+IN_API void inUdpChannelSendBufferOuter( struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress,
                                          const struct pbBuffer *buffer, pbInt byteOffset, pbInt byteCount );
 
 // The oldest packet that has arrived, or null.
-IN_API struct inUdpPacket *inUdpChannelReceive( struct inUdpChannel *channel );
+IN_API struct inUdpPacket *inUdpChannelReceive( struct inUdpChannel *chan );
 // The alert is set while packets wait, also after an error: look at Error before waiting for it.
-IN_API void inUdpChannelReceiveAddAlertable( struct inUdpChannel *channel, struct pbAlertable *alertable );
-IN_API void inUdpChannelReceiveDelAlertable( struct inUdpChannel *channel, struct pbAlertable *alertable );
+IN_API void inUdpChannelReceiveAddAlertable( struct inUdpChannel *chan, struct pbAlertable *alertable );
+IN_API void inUdpChannelReceiveDelAlertable( struct inUdpChannel *chan, struct pbAlertable *alertable );
 
-IN_API void inUdpChannelTraceCompleteAnchor( struct inUdpChannel *channel, struct trAnchor *anchor );
+IN_API void inUdpChannelTraceCompleteAnchor( struct inUdpChannel *chan, struct trAnchor *anchor );
 
 PB_DECLS_END
 

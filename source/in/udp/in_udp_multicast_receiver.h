@@ -39,27 +39,27 @@ IN_API struct inUdpMulticastReceiver *inUdpMulticastReceiverTryCreate( const str
                                                                        struct trAnchor *optionalAnchor );
 
 // The group and port.
-IN_API struct inUdpAddress *inUdpMulticastReceiverLocalAddress( const struct inUdpMulticastReceiver *receiver );
-IN_API struct pbString *inUdpMulticastReceiverInterface( const struct inUdpMulticastReceiver *receiver ); // or null
-IN_API pbBool inUdpMulticastReceiverHasInterface( const struct inUdpMulticastReceiver *receiver );
-IN_API pbBool inUdpMulticastReceiverError( const struct inUdpMulticastReceiver *receiver );
-IN_API void inUdpMulticastReceiverErrorAddSignalable( struct inUdpMulticastReceiver *receiver,
+IN_API struct inUdpAddress *inUdpMulticastReceiverLocalAddress( const struct inUdpMulticastReceiver *recv );
+IN_API struct pbString *inUdpMulticastReceiverInterface( const struct inUdpMulticastReceiver *recv ); // or null
+IN_API pbBool inUdpMulticastReceiverHasInterface( const struct inUdpMulticastReceiver *recv );
+IN_API pbBool inUdpMulticastReceiverError( const struct inUdpMulticastReceiver *recv );
+IN_API void inUdpMulticastReceiverErrorAddSignalable( struct inUdpMulticastReceiver *recv,
                                                       struct pbSignalable *signalable );
-IN_API void inUdpMulticastReceiverErrorDelSignalable( struct inUdpMulticastReceiver *receiver,
+IN_API void inUdpMulticastReceiverErrorDelSignalable( struct inUdpMulticastReceiver *recv,
                                                       struct pbSignalable *signalable );
 
 // The oldest packet that has arrived, or null.
-IN_API struct inUdpPacket *inUdpMulticastReceiverReceive( struct inUdpMulticastReceiver *receiver );
+IN_API struct inUdpPacket *inUdpMulticastReceiverReceive( struct inUdpMulticastReceiver *recv );
 // The alert is set while packets wait, also after an error: look at Error before waiting for it.
-IN_API void inUdpMulticastReceiverReceiveAddAlertable( struct inUdpMulticastReceiver *receiver,
+IN_API void inUdpMulticastReceiverReceiveAddAlertable( struct inUdpMulticastReceiver *recv,
                                                        struct pbAlertable *alertable );
-IN_API void inUdpMulticastReceiverReceiveDelAlertable( struct inUdpMulticastReceiver *receiver,
+IN_API void inUdpMulticastReceiverReceiveDelAlertable( struct inUdpMulticastReceiver *recv,
                                                        struct pbAlertable *alertable );
 // Blocks until a packet waits, the receiver has failed or the signal is asserted.
-IN_API void inUdpMulticastReceiverReceiveWait( struct inUdpMulticastReceiver *receiver,
+IN_API void inUdpMulticastReceiverReceiveWait( struct inUdpMulticastReceiver *recv,
                                                struct pbSignal *optionalAbortSignal );
 // Blocks until a packet arrives; null after an error or an abort.
-IN_API struct inUdpPacket *inUdpMulticastReceiverBlockReceive( struct inUdpMulticastReceiver *receiver,
+IN_API struct inUdpPacket *inUdpMulticastReceiverBlockReceive( struct inUdpMulticastReceiver *recv,
                                                                struct pbSignal *optionalAbortSignal );
 
 PB_DECLS_END
