@@ -38,7 +38,12 @@ public:
             return;
         if ( prctl( PR_SET_PDEATHSIG, SIGKILL ) != 0 || getppid() != parent )
             _exit( 3 );
-        scenario();
+        try {
+            scenario();
+        }
+        catch ( const std::exception &exception ) {
+            ADD_FAILURE() << exception.what();
+        }
         exit( testing::Test::HasFailure() ? 1 : 0 ); // not _exit: the leak check runs
     }
     ~Child()
@@ -93,7 +98,11 @@ public:
     // Runs a shell command inside; one that fails is an exception.
     void run( const std::string &command ) const
     {
-        require( start( [&] { execl( "/bin/sh", "sh", "-ec", command.c_str(), nullptr ); } ).wait(), command );
+        const auto execute = [&command] {
+            execl( "/bin/sh", "sh", "-ec", command.c_str(), nullptr );
+            _exit( 127 );
+        };
+        require( start( execute ).wait(), command );
     }
     // Joins an interface here and one of the other host by a cable.
     void connect( const std::string &name, const NetNamespace &other, const std::string &otherName ) const
