@@ -28,12 +28,13 @@ PB_API pbBool unixFdObserverEquals( const struct unixFdObserver *a, const struct
 
 // Null when the system refuses a descriptor.
 PB_API struct unixFdObserver *unixFdObserverTryCreate( void );
-// conditions: the set to watch; 0 removes the descriptor. False when the system refuses (a bad descriptor, no memory).
+// conditions: the set to watch; 0 removes the descriptor, and one that is not registered or was closed counts as removed.
+// False when the system refuses (a bad descriptor, no memory). Remove a descriptor before closing it.
 PB_API pbBool unixFdObserverTrySetConditions( struct unixFdObserver *observer, pbInt fd, pbInt conditions );
 // Blocks until a watched descriptor is ready: true, with the descriptor and those of its watched conditions that hold.
 // False once the signal is asserted, also when it already was. Never reports a descriptor whose conditions were removed,
 // nor an event of a former owner of the same number. A hang-up counts as readable when that is watched and is not
-// reported otherwise; it never counts as an error.
+// reported otherwise; it never counts as an error. False also when the observer is broken.
 PB_API pbBool unixFdObserverWait( struct unixFdObserver *observer, struct pbSignal *abortSignal, pbInt *fd, pbInt *conditions );
 // Ends the outstanding report.
 PB_API void unixFdObserverUnblock( struct unixFdObserver *observer );
