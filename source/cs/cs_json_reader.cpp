@@ -252,12 +252,6 @@ JsonError findUnreadableByte( std::string_view bytes )
 
 } // namespace
 
-const JsonMember *JsonValue::find( std::string_view key ) const noexcept
-{
-    const auto found = std::find_if( members.begin(), members.end(), [&]( const auto &member ) { return member.key == key; } );
-    return found == members.end() ? nullptr : &*found;
-}
-
 JsonError readJson( std::string_view bytes, JsonValue &root )
 {
     if ( bytes.size() > JsonBytesMaximum )
@@ -271,19 +265,21 @@ JsonError readJson( std::string_view bytes, JsonValue &root )
     return error;
 }
 
+void setFromJson( pb::Ref<struct pbStore> &store, std::string_view key, const JsonValue &value )
+{
+    if ( value.isContainer() )
+        pbStoreSetStoreCstr( store.address(), key.data(), static_cast<pbInt>( key.size() ), storeFromJson( value ).get() );
+    else
+        pbStoreSetValueCstr( store.address(), key.data(), static_cast<pbInt>( key.size() ), pb::string( value.text ).get() );
+}
+
 pb::Ref<struct pbStore> storeFromJson( const JsonValue &container )
 {
     auto store = pb::adopt( pbStoreCreate() );
-    for ( const JsonMember &member : container.members ) {
-        if ( member.bad || member.duplicate )
-            continue;
-        if ( member.value.isContainer() )
-            pbStoreSetStoreCstr( store.address(), member.key.data(), static_cast<pbInt>( member.key.size() ),
-                                 storeFromJson( member.value ).get() );
-        else
-            pbStoreSetValueCstr( store.address(), member.key.data(), static_cast<pbInt>( member.key.size() ),
-                                 pb::string( member.value.text ).get() );
-    }
+    size_t entries = 0; // counted, so that an array without one of its entries has no gap
+    for ( const JsonMember &member : container.members )
+        if ( member.usable() )
+            setFromJson( store, container.kind == JsonValue::Kind::Array ? std::to_string( entries++ ) : member.key, member.value );
     return store;
 }
 

@@ -25,19 +25,21 @@ struct JsonValue {
     Kind kind = Kind::Null;
     size_t offset = 0;      // of its first byte
     bool complete = false;  // false where the text ended inside it
-    std::string text{};     // of Bool, Number (as written) and String (without escapes)
+    std::string text{};     // of Null, Bool, Number (as written) and String (without escapes)
     std::vector<JsonMember> members;  // of Object and Array
 
     bool isContainer() const noexcept { return kind == Kind::Object || kind == Kind::Array; }
-    const JsonMember *find( std::string_view key ) const noexcept; // or null
 };
 
 struct JsonMember {
-    std::string key{};     // of Array entries "0", "1", ...
-    size_t keyOffset = 0;  // of the quote before the key; of Array entries of the value
+    std::string key{};      // of Array entries "0", "1", ...
+    size_t keyOffset = 0;   // of the quote before the key; of Array entries of the value
     bool duplicate = false; // the key stands before in the same object
-    mutable bool bad = false; // a problem was told about it; left out of stores
+    bool bad = false;       // a problem was told about it; set by the checks
+    bool flawed = false;    // a problem was told about something inside it
     JsonValue value{};
+
+    bool usable() const noexcept { return !duplicate && !bad; }
 };
 
 // What made the rest of a text unreadable.
@@ -50,7 +52,8 @@ struct JsonError {
 // refused from the first byte on that is not UTF-8 or is NUL.
 JsonError readJson( std::string_view bytes, JsonValue &root );
 
-// The members as a store; bad and duplicate ones are left out.
+// Sets the key to the value: text, or a store of what is usable in it.
+void setFromJson( pb::Ref<struct pbStore> &store, std::string_view key, const JsonValue &value );
 pb::Ref<struct pbStore> storeFromJson( const JsonValue &container );
 
 } // namespace cs

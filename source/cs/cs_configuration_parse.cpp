@@ -1,0 +1,126 @@
+// Reads the records of a configuration: {"objects": {NAME: {"sort": ..., "config": {...}}}}.
+#include "cs/cs_config_check_internal.h"
+#include "cs/cs_configuration_internal.h"
+#include "cs/cs_key_internal.h"
+
+#include <algorithm>
+
+namespace cs {
+namespace {
+
+class ConfigurationParser {
+public:
+    explicit ConfigurationParser( Problems &problems ) : problems_( problems ) {}
+
+    void parse( JsonValue &root )
+    {
+        if ( !isObject( root, "", "an object with the key \"objects\"" ) )
+            return;
+        JsonMember *objects = nullptr;
+        for ( JsonMember &member : root.members )
+            if ( isKnownOnce( member, printable( member.key ), { "objects" } ) )
+                objects = &member;
+        if ( !objects && root.complete )
+            problems_.add( root.offset, "", "the key \"objects\" is missing, expected {\"objects\": {...}}" );
+        if ( !objects || !isObject( objects->value, "objects", "an object of named objects" ) )
+            return;
+        for ( JsonMember &record : objects->value.members )
+            parseRecord( record );
+    }
+
+    std::vector<Record> records;
+
+private:
+    void parseRecord( JsonMember &record )
+    {
+        const std::string path = printable( record.key );
+        if ( record.duplicate )
+            problems_.add( record.keyOffset, path, "the name stands twice, expected once" );
+        if ( !recordNameOk( record.key ) )
+            problems_.add( record.keyOffset, path, "bad name, expected 1 to 255 letters, digits, \"_\", \"-\", \".\"" );
+        if ( !isObject( record.value, path, "an object of \"sort\" and \"config\"" ) )
+            return;
+
+        JsonMember *sort = nullptr, *config = nullptr;
+        for ( JsonMember &member : record.value.members )
+            if ( isKnownOnce( member, path + "." + printable( member.key ), { "sort", "config" } ) )
+                ( member.key == "sort" ? sort : config ) = &member;
+        if ( !sort && record.value.complete )
+            problems_.add( record.value.offset, path, "the key \"sort\" is missing, expected " + expectedSort() );
+        const bool configOk = !config || isObject( config->value, path + ".config", "an object" );
+        const std::shared_ptr<Sort> known = sort ? findSort( sort->value, path + ".sort" ) : nullptr;
+        if ( !known || !configOk )
+            return;
+        if ( const Call call( known ); !call )
+            problems_.add( sort->value.offset, path + ".sort", "the module of this sort is not running, expected it started" );
+        else if ( config )
+            checkConfig( *known, config->value, path, problems_ );
+        records.push_back( { record.key, known, config ? storeFromJson( config->value ) : nullptr } );
+    }
+
+    std::shared_ptr<Sort> findSort( const JsonValue &value, const std::string &path )
+    {
+        if ( !value.complete && !value.isContainer() )
+            return nullptr;
+        if ( value.kind != JsonValue::Kind::String ) {
+            problems_.add( value.offset, path, "not a string, expected " + expectedSort() );
+            return nullptr;
+        }
+        std::shared_ptr<Sort> sort = Registry::instance().sortNamed( value.text );
+        if ( !sort )
+            problems_.add( value.offset, path, unknownText( "sort", value.text, Registry::instance().sortNames() ) );
+        return sort;
+    }
+    static std::string expectedSort()
+    {
+        std::string text;
+        for ( const std::string &name : Registry::instance().sortNames() )
+            text += ( text.empty() ? "one of " : ", " ) + name;
+        return text.empty() ? "the name of a sort" : text;
+    }
+
+    bool isKnownOnce( const JsonMember &member, const std::string &path, const std::vector<std::string> &known )
+    {
+        if ( std::find( known.begin(), known.end(), member.key ) == known.end() ) {
+            problems_.add( member.keyOffset, path, unknownText( "key", member.key, known ) );
+            return false;
+        }
+        if ( member.duplicate )
+            problems_.add( member.keyOffset, path, "the key stands twice, expected once" );
+        return !member.duplicate;
+    }
+    // Where the text ends before the value the reader has told it.
+    bool isObject( const JsonValue &value, const std::string &path, const char *expected )
+    {
+        if ( value.kind == JsonValue::Kind::Object )
+            return true;
+        if ( value.complete || value.isContainer() )
+            problems_.add( value.offset, path, std::string( "not an object, expected " ) + expected );
+        return false;
+    }
+
+    Problems &problems_;
+};
+
+} // namespace
+
+bool recordNameOk( std::string_view name )
+{
+    const auto ok = []( char c ) {
+        return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '_' || c == '-' || c == '.';
+    };
+    return !name.empty() && name.size() <= 255 && std::all_of( name.begin(), name.end(), ok );
+}
+
+std::vector<Record> parseConfiguration( std::string_view bytes, Problems &problems )
+{
+    JsonValue root;
+    const JsonError error = readJson( bytes, root );
+    ConfigurationParser parser( problems );
+    parser.parse( root );
+    if ( !error.text.empty() )
+        problems.add( error.offset, "", error.text );
+    return std::move( parser.records );
+}
+
+} // namespace cs

@@ -1,0 +1,217 @@
+// Checks values and names against tables of keys.
+#include "cs/cs_key_internal.h"
+
+#include "cs/cs_problems_internal.h"
+#include "pb/pb_store.h"
+#include "pb/pb_string.hpp"
+
+#include <algorithm>
+#include <numeric>
+
+namespace cs {
+namespace {
+
+std::string joined( const std::vector<std::string> &names )
+{
+    std::string text;
+    for ( const std::string &name : names )
+        text += ( text.empty() ? "" : ", " ) + name;
+    return text;
+}
+
+std::vector<std::string> namesOf( const struct csKey &key )
+{
+    std::vector<std::string> names;
+    for ( auto name = key.names; name && *name; ++name )
+        names.emplace_back( *name );
+    return names;
+}
+
+// "firstPort (1..65535), count (0..65535)"
+std::string subKeysText( Keys keys )
+{
+    std::vector<std::string> parts;
+    for ( const auto &key : keys )
+        parts.push_back( std::string( key.key ) + " (" + expectedText( key ) + ")" );
+    return joined( parts );
+}
+
+std::string valueText( const JsonValue &value )
+{
+    switch ( value.kind ) {
+    case JsonValue::Kind::Object: return "an object";
+    case JsonValue::Kind::Array: return "an array";
+    case JsonValue::Kind::String: return '"' + printable( value.text ) + '"';
+    default: return printable( value.text );
+    }
+}
+
+bool isRange( const struct csKey &key ) { return key.minimum != 0 || key.maximum != 0; }
+
+// Insertions, deletions and replacements of one byte; names are short and ASCII.
+size_t editDistance( std::string_view a, std::string_view b )
+{
+    std::vector<size_t> row( b.size() + 1 );
+    std::iota( row.begin(), row.end(), size_t{ 0 } );
+    for ( size_t i = 1; i <= a.size(); ++i ) {
+        size_t diagonal = std::exchange( row[0], i );
+        for ( size_t j = 1; j <= b.size(); ++j ) {
+            const size_t replaced = diagonal + ( a[i - 1] != b[j - 1] );
+            diagonal = row[j];
+            row[j] = std::min( { replaced, row[j] + 1, row[j - 1] + 1 } );
+        }
+    }
+    return row[b.size()];
+}
+
+std::string lowerCase( std::string_view text )
+{
+    std::string lower( text );
+    for ( char &c : lower )
+        if ( c >= 'A' && c <= 'Z' )
+            c += 'a' - 'A';
+    return lower;
+}
+
+// The known name that a person is likely to have meant, or empty: about one slip in four letters, case being none.
+std::string nearestName( std::string_view name, const std::vector<std::string> &known )
+{
+    constexpr size_t Longest = 64; // of what is compared: the cost is the product of the lengths
+    std::string nearest;
+    size_t least = name.size() > Longest ? 0 : 2 + name.size() / 4;
+    for ( const std::string &candidate : known )
+        if ( candidate.size() <= Longest )
+            if ( const size_t distance = editDistance( lowerCase( name ), lowerCase( candidate ) );
+                 distance < least && distance < candidate.size() ) {
+                least = distance;
+                nearest = candidate;
+            }
+    return nearest;
+}
+
+std::string flagsProblem( const struct csKey &key, const std::string &text )
+{
+    const std::vector<std::string> known = namesOf( key );
+    for ( size_t begin = 0; begin <= text.size(); ) {
+        const size_t end = std::min( text.find( '|', begin ), text.size() );
+        std::string_view name = std::string_view( text ).substr( begin, end - begin );
+        const size_t first = name.find_first_not_of( " \t\n\v\f\r" );
+        name = first == name.npos ? "" : name.substr( first, name.find_last_not_of( " \t\n\v\f\r" ) + 1 - first );
+        if ( !name.empty() && std::find( known.begin(), known.end(), name ) == known.end() )
+            return unknownText( "flag", name, known );
+        begin = end + 1;
+    }
+    return "";
+}
+
+std::string integerProblem( const struct csKey &key, const JsonValue &value )
+{
+    pbInt number = 0;
+    if ( !integerFromText( value.text, number ) )
+        return valueText( value ) + " is no integer";
+    return isRange( key ) && ( number < key.minimum || number > key.maximum ) ? valueText( value ) + " is out of range" : "";
+}
+
+bool kindFits( const struct csKey &key, const JsonValue &value )
+{
+    switch ( key.kind ) {
+    case CS_KEY_STORE: return value.kind == JsonValue::Kind::Object;
+    case CS_KEY_ARRAY: // an empty one is stored, and printed where its kind is not known, as an empty store
+        return value.kind == JsonValue::Kind::Array || ( value.kind == JsonValue::Kind::Object && value.members.empty() );
+    default: return !value.isContainer();
+    }
+}
+
+// What is wrong, without what was expected.
+std::string valueProblem( const struct csKey &key, const JsonValue &value )
+{
+    if ( !kindFits( key, value ) )
+        return valueText( value ) + " is of the wrong kind";
+    switch ( key.kind ) {
+    case CS_KEY_INT: return integerProblem( key, value );
+    case CS_KEY_BOOL:
+        return value.text == "true" || value.text == "false" ? "" : valueText( value ) + " is neither true nor false";
+    case CS_KEY_ENUM: {
+        const std::vector<std::string> names = namesOf( key );
+        const bool known = names.empty() || std::find( names.begin(), names.end(), value.text ) != names.end();
+        return known ? "" : valueText( value ) + " is not known";
+    }
+    default: return "";
+    }
+}
+
+} // namespace
+
+const struct csKey *findKey( Keys keys, std::string_view name )
+{
+    const auto found = std::find_if( keys.begin(), keys.end(), [&]( const auto &key ) { return name == key.key; } );
+    return found == keys.end() ? nullptr : &*found;
+}
+
+Keys subKeys( const struct csKey *optionalKey )
+{
+    return optionalKey && optionalKey->keys ? Keys( optionalKey->keys, static_cast<size_t>( optionalKey->keyCount ) ) : Keys();
+}
+
+const struct csKey *memberKey( Keys keys, const JsonValue &container, std::string_view name )
+{
+    if ( container.kind == JsonValue::Kind::Array )
+        return keys.empty() ? nullptr : &keys[0];
+    return findKey( keys, name );
+}
+
+std::string expectedText( const struct csKey &key )
+{
+    if ( key.expected )
+        return key.expected;
+    switch ( key.kind ) {
+    case CS_KEY_INT: return isRange( key ) ? std::to_string( key.minimum ) + ".." + std::to_string( key.maximum ) : "an integer";
+    case CS_KEY_BOOL: return "true or false";
+    case CS_KEY_ENUM: return "one of " + joined( namesOf( key ) );
+    case CS_KEY_FLAGS: return "names joined by \"|\" of " + joined( namesOf( key ) );
+    case CS_KEY_STORE: {
+        const Keys keys = subKeys( &key );
+        return keys.empty() ? "an object" : "an object of " + subKeysText( keys );
+    }
+    case CS_KEY_ARRAY: {
+        const Keys keys = subKeys( &key );
+        return keys.empty() ? "an array" : "an array, each entry " + expectedText( keys[0] );
+    }
+    default: return "a text that the sort accepts";
+    }
+}
+
+std::string keyProblem( const struct csKey &key, const JsonValue &value )
+{
+    const std::string problem = valueProblem( key, value );
+    if ( !problem.empty() )
+        return problem + ", expected " + expectedText( key );
+    return key.kind == CS_KEY_FLAGS ? flagsProblem( key, value.text ) : "";
+}
+
+std::vector<std::string> keyNames( Keys keys )
+{
+    std::vector<std::string> names;
+    for ( const auto &key : keys )
+        names.emplace_back( key.key );
+    return names;
+}
+
+std::string unknownText( std::string_view kind, std::string_view name, const std::vector<std::string> &known )
+{
+    std::string text = "unknown " + std::string( kind );
+    if ( kind != "key" ) // a key stands in the path
+        text += " \"" + printable( name ) + '"';
+    if ( const std::string nearest = nearestName( name, known ); !nearest.empty() )
+        return text + ", did you mean \"" + nearest + "\"?";
+    return text + ", expected " + ( known.empty() ? "none" : ( known.size() == 1 ? "" : "one of " ) + joined( known ) );
+}
+
+bool integerFromText( const std::string &text, pbInt &value )
+{
+    auto store = pb::adopt( pbStoreCreate() );
+    pbStoreSetValueCstr( store.address(), "", 0, pb::string( text ).get() );
+    return pbStoreValueIntCstr( store.get(), &value, "", 0 );
+}
+
+} // namespace cs

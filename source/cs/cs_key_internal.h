@@ -1,0 +1,36 @@
+// What the tables of keys say: of a value, whether it fits; of a name, which known one is meant.
+#ifndef CS_KEY_INTERNAL_H
+#define CS_KEY_INTERNAL_H
+
+#include "cs/cs_json_reader_internal.h"
+#include "cs/cs_key.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cs {
+
+using Keys = std::span<const struct csKey>;
+
+const struct csKey *findKey( Keys keys, std::string_view name ); // or null
+Keys subKeys( const struct csKey *optionalKey );
+// Of the members of a container: of an array all have the one description.
+const struct csKey *memberKey( Keys keys, const JsonValue &container, std::string_view name );
+
+// "1..65535", "one of A, B".
+std::string expectedText( const struct csKey &key );
+// "what is wrong, what was expected", or empty when the value fits.
+std::string keyProblem( const struct csKey &key, const JsonValue &value );
+
+std::vector<std::string> keyNames( Keys keys );
+// "unknown KIND, did you mean ...?" or what is known.
+std::string unknownText( std::string_view kind, std::string_view name, const std::vector<std::string> &known );
+
+// The value as the store reads numbers: decimal or hexadecimal. False when it is none.
+bool integerFromText( const std::string &text, pbInt &value );
+
+} // namespace cs
+
+#endif
