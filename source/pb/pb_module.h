@@ -41,7 +41,7 @@ PB_API pbInt pbHostCompare( const struct pbHost *a, const struct pbHost *b );
 PB_API pbBool pbHostEquals( const struct pbHost *a, const struct pbHost *b );
 
 // Starts the modules so that each comes after those that it requires, once per process. Null, and the reason in
-// *optionalReason, when a required module is missing, requirements are circular or a start-up refuses; what had
+// *optionalReason (null or a reference, which it replaces), when a required module is missing, requirements are circular or a start-up refuses; what had
 // started is then shut down again.
 PB_API struct pbHost *pbHostTryStart( const struct pbModule *const *modules, pbInt moduleCount,
                                       struct pbString **optionalReason );
