@@ -1,0 +1,228 @@
+// inDnsOptions: the DNS part of a stack's options.
+#include "in/dns/in_dns_options.h"
+
+#include "in/base/in_store_form.hpp"
+#include "in/dns/in_dns_options_internal.h"
+
+PB_SORT_DECLARE( in___sort_IN_DNS_OPTIONS )
+
+static constexpr pbInt defaultDuration = 60000; // milliseconds
+
+struct inDnsOptions final : pb::Object<struct inDnsOptions, in___sort_IN_DNS_OPTIONS> {
+    pb::Defaulted<pbInt> maxBlockDuration{ defaultDuration }; // milliseconds, >= 0
+    pb::Defaulted<pbBool> disableQueryAddresses{ 0 };
+    pb::Defaulted<pbBool> disableQueryDomainNames{ 0 };
+    pb::Defaulted<pbBool> disableQuerySrv{ 0 };
+    pb::Defaulted<pbInt> cacheTimeout{ defaultDuration }; // milliseconds, >= 0
+    pb::Defaulted<pbInt> negativeCacheTimeout{ defaultDuration }; // milliseconds, >= 0
+
+    auto operator<=>( const inDnsOptions & ) const = default;
+};
+
+PB_OBJECT_DEFINE( inDnsOptions, in___sort_IN_DNS_OPTIONS )
+
+namespace {
+
+constexpr in::form::Integer milliseconds{ 0, PB_INT_MAX, "milliseconds, 0 or greater" };
+
+constexpr auto form = std::tuple{
+    in::form::Row{ "maxBlockDuration", &inDnsOptions::maxBlockDuration, milliseconds, in::form::unlessDefault },
+    in::form::Row{ "disableQueryAddresses", &inDnsOptions::disableQueryAddresses, in::form::Boolean{}, in::form::unlessDefault },
+    in::form::Row{ "disableQueryDomainNames", &inDnsOptions::disableQueryDomainNames, in::form::Boolean{}, in::form::unlessDefault },
+    in::form::Row{ "disableQuerySrv", &inDnsOptions::disableQuerySrv, in::form::Boolean{}, in::form::unlessDefault },
+    in::form::Row{ "cacheTimeout", &inDnsOptions::cacheTimeout, milliseconds, in::form::unlessDefault },
+    // Kept as systems know it: the stored value goes to the cache timeout, also over the one read before it.
+    in::form::Row{ "negativeCacheTimeout", &inDnsOptions::negativeCacheTimeout, milliseconds, in::form::unlessDefault,
+                   &inDnsOptions::cacheTimeout },
+};
+
+} // namespace
+
+const struct csKey *in___DnsOptionsKeys( pbInt *count )
+{
+    return in::form::describe<form>( count );
+}
+
+struct inDnsOptions *inDnsOptionsCreate( void )
+{
+    return pb::make<struct inDnsOptions>().release();
+}
+
+struct inDnsOptions *inDnsOptionsCreateFrom( const struct inDnsOptions *source )
+{
+    PB_ASSERT( source );
+    return pb::make<struct inDnsOptions>( *source ).release();
+}
+
+pbInt inDnsOptionsMaxBlockDuration( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->maxBlockDuration.value;
+}
+
+void inDnsOptionsSetMaxBlockDuration( struct inDnsOptions **opt, pbInt maxBlockDuration )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    PB_ASSERT( maxBlockDuration >= 0 );
+    pb::edit( opt ).maxBlockDuration.set( maxBlockDuration );
+}
+
+pbBool inDnsOptionsMaxBlockDurationDefault( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->maxBlockDuration.isDefault;
+}
+
+void inDnsOptionsSetMaxBlockDurationDefault( struct inDnsOptions **opt )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).maxBlockDuration.setDefault( defaultDuration );
+}
+
+pbBool inDnsOptionsDisableQueryAddresses( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->disableQueryAddresses.value;
+}
+
+void inDnsOptionsSetDisableQueryAddresses( struct inDnsOptions **opt, pbBool disableQueryAddresses )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).disableQueryAddresses.set( PB_BOOL_FROM( disableQueryAddresses ) );
+}
+
+pbBool inDnsOptionsDisableQueryAddressesDefault( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->disableQueryAddresses.isDefault;
+}
+
+void inDnsOptionsSetDisableQueryAddressesDefault( struct inDnsOptions **opt )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).disableQueryAddresses.setDefault( 0 );
+}
+
+pbBool inDnsOptionsDisableQueryDomainNames( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->disableQueryDomainNames.value;
+}
+
+void inDnsOptionsSetDisableQueryDomainNames( struct inDnsOptions **opt, pbBool disableQueryDomainNames )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).disableQueryDomainNames.set( PB_BOOL_FROM( disableQueryDomainNames ) );
+}
+
+pbBool inDnsOptionsDisableQueryDomainNamesDefault( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->disableQueryDomainNames.isDefault;
+}
+
+void inDnsOptionsSetDisableQueryDomainNamesDefault( struct inDnsOptions **opt )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).disableQueryDomainNames.setDefault( 0 );
+}
+
+pbBool inDnsOptionsDisableQuerySrv( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->disableQuerySrv.value;
+}
+
+void inDnsOptionsSetDisableQuerySrv( struct inDnsOptions **opt, pbBool disableQuerySrv )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).disableQuerySrv.set( PB_BOOL_FROM( disableQuerySrv ) );
+}
+
+pbBool inDnsOptionsDisableQuerySrvDefault( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->disableQuerySrv.isDefault;
+}
+
+void inDnsOptionsSetDisableQuerySrvDefault( struct inDnsOptions **opt )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).disableQuerySrv.setDefault( 0 );
+}
+
+pbInt inDnsOptionsCacheTimeout( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->cacheTimeout.value;
+}
+
+void inDnsOptionsSetCacheTimeout( struct inDnsOptions **opt, pbInt cacheTimeout )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    PB_ASSERT( cacheTimeout >= 0 );
+    pb::edit( opt ).cacheTimeout.set( cacheTimeout );
+}
+
+pbBool inDnsOptionsCacheTimeoutDefault( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->cacheTimeout.isDefault;
+}
+
+void inDnsOptionsSetCacheTimeoutDefault( struct inDnsOptions **opt )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).cacheTimeout.setDefault( defaultDuration );
+}
+
+pbInt inDnsOptionsNegativeCacheTimeout( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->negativeCacheTimeout.value;
+}
+
+void inDnsOptionsSetNegativeCacheTimeout( struct inDnsOptions **opt, pbInt negativeCacheTimeout )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    PB_ASSERT( negativeCacheTimeout >= 0 );
+    pb::edit( opt ).negativeCacheTimeout.set( negativeCacheTimeout );
+}
+
+pbBool inDnsOptionsNegativeCacheTimeoutDefault( const struct inDnsOptions *opt )
+{
+    PB_ASSERT( opt );
+    return opt->negativeCacheTimeout.isDefault;
+}
+
+void inDnsOptionsSetNegativeCacheTimeoutDefault( struct inDnsOptions **opt )
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( *opt );
+    pb::edit( opt ).negativeCacheTimeout.setDefault( defaultDuration );
+}
+
+struct pbStore *inDnsOptionsStore( const struct inDnsOptions *opt, pbBool storeAll )
+{
+    PB_ASSERT( opt );
+    return in::form::store( *opt, form, storeAll ).release();
+}
+
+struct inDnsOptions *inDnsOptionsRestore( const struct pbStore *store )
+{
+    PB_ASSERT( store );
+    auto opt = pb::make<struct inDnsOptions>();
+    in::form::restore( *opt, form, store );
+    return opt.release();
+}
