@@ -227,7 +227,8 @@ struct pbString *inAddressToStringExpand( const struct inAddress *ina )
 {
     PB_ASSERT( ina );
     char text[in::text::capacity];
-    char *const end = ina->isV4() ? in::text::writeV4( text, ina->bytes ) : in::text::writeV6Expanded( text, ina->bytes );
+    char *const end =
+        ina->isV4() ? in::text::writeV4( text, ina->bytes ) : in::text::writeV6Expanded( text, ina->bytes );
     return ascii( text, end ).release();
 }
 
@@ -265,7 +266,8 @@ pbBool inAddressIsPrivate( const struct inAddress *ina )
     PB_ASSERT( ina );
     if ( !ina->isV4() )
         return ( ina->bytes[0] & 0xfe ) == 0xfc;
-    return begins( *ina, { 10 } ) || ( begins( *ina, { 172 } ) && isIn( ina->bytes[1], 16, 31 ) ) || begins( *ina, { 192, 168 } );
+    return begins( *ina, { 10 } ) || ( begins( *ina, { 172 } ) && isIn( ina->bytes[1], 16, 31 ) )
+           || begins( *ina, { 192, 168 } );
 }
 
 pbBool inAddressIsMulticast( const struct inAddress *ina )

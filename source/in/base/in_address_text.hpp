@@ -1,6 +1,6 @@
-// Reading and writing addresses as text. There are two readers: the quick one takes the usual forms in one pass and says
-// nothing about others, the patient one follows the definition word by word. Where the quick one accepts, both agree.
-// In-tree only.
+// Reading and writing addresses as text. There are two readers: the quick one takes the usual forms in one pass and
+// says nothing about others, the patient one follows the definition word by word. Where the quick one accepts, both
+// agree. In-tree only.
 #ifndef IN_ADDRESS_TEXT_HPP
 #define IN_ADDRESS_TEXT_HPP
 

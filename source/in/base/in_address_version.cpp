@@ -1,8 +1,8 @@
 // Names of the versions of an IP address.
 #include "in/base/in_address_version.h"
 
-#include "in/base/in_name_table.hpp"
 #include "in/base/in_address_version_internal.h"
+#include "in/base/in_name_table.hpp"
 
 static constinit pb::Global<struct pbEnum> in___AddressVersionEnum;
 

@@ -1,8 +1,8 @@
 // Names and normal form of the flags of a stack's options.
 #include "in/base/in_flags.h"
 
-#include "in/base/in_name_table.hpp"
 #include "in/base/in_flags_internal.h"
+#include "in/base/in_name_table.hpp"
 
 static constinit pb::Global<struct pbFlagset> in___FlagsFlagset;
 

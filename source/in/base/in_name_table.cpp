@@ -16,7 +16,8 @@ void startFlagset( pb::Global<struct pbFlagset> &table, const char *globalName, 
 {
     table.set( pb::adopt( pbFlagsetCreate() ) );
     for ( int bit = 0; names[bit]; ++bit ) {
-        const std::string text = std::string( "!pbFlagsetHasFlagCstr( *(&" ) + globalName + "), \"" + names[bit] + "\", -1 )";
+        const std::string text =
+            std::string( "!pbFlagsetHasFlagCstr( *(&" ) + globalName + "), \"" + names[bit] + "\", -1 )";
         PB_ASSERT_TEXT( !pbFlagsetHasFlagCstr( table.get(), names[bit], -1 ), text.c_str() );
         pbFlagsetAddFlagCstr( table.address(), names[bit], -1, uint64_t{ 1 } << bit );
     }

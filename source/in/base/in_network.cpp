@@ -63,8 +63,9 @@ struct inNetwork *inNetworkTryCreateFromString( const struct pbString *source )
     if ( count == 2 ) {
         const auto second = pb::adopt( pbStringFrom( pbVectorObjAt( pieces.get(), 1 ) ) );
         pbInt scanned = 0;
-        if ( !pbStringScanInt( second.get(), 0, 10, &prefixLength, &scanned ) || scanned != pbStringLength( second.get() )
-             || prefixLength < -1 || prefixLength > inAddressLength( address.get() ) * 8 )
+        if ( !pbStringScanInt( second.get(), 0, 10, &prefixLength, &scanned )
+             || scanned != pbStringLength( second.get() ) || prefixLength < -1
+             || prefixLength > inAddressLength( address.get() ) * 8 )
             return nullptr;
     }
     return inNetworkCreate( address.get(), prefixLength );
@@ -88,7 +89,8 @@ pbInt inNetworkPrefixLength( const struct inNetwork *net )
     return net->prefixLength;
 }
 
-void inNetworkSetAddressAndPrefixLength( struct inNetwork **net, const struct inAddress *address, pbInt optionalPrefixLength )
+void inNetworkSetAddressAndPrefixLength( struct inNetwork **net, const struct inAddress *address,
+                                         pbInt optionalPrefixLength )
 {
     PB_ASSERT( net );
     PB_ASSERT( *net );

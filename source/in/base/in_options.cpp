@@ -44,7 +44,8 @@ struct pbStore *storeUdpOptions( const struct inUdpOptions *options, pbBool )
 using in::form::Row;
 
 constexpr auto form = std::tuple{
-    Row{ "flags", &inOptions::flags, in::form::Flags{ inFlagsToString, inFlagsFromString, in___FlagsNames }, in::form::always },
+    Row{ "flags", &inOptions::flags, in::form::Flags{ inFlagsToString, inFlagsFromString, in___FlagsNames },
+         in::form::always },
     Row{ "interface", &inOptions::interface, in::form::Text{}, in::form::whenPresent },
     Row{ "network", &inOptions::network,
          in::form::TextOf<struct inNetwork>{ inNetworkToString, inNetworkTryCreateFromString,

@@ -25,8 +25,8 @@ namespace in::form {
 enum class Written { always, whenPresent, unlessDefault };
 using enum Written;
 
-// A codec writes a value under a key, reads it back (false, and the value untouched, when the key is absent or its value
-// not valid) and describes what it accepts. `entry` is room for the description of the entries of an array.
+// A codec writes a value under a key, reads it back (false, and the value untouched, when the key is absent or its
+// value not valid) and describes what it accepts. `entry` is room for the description of the entries of an array.
 
 struct Integer {
     pbInt minimum, maximum;
@@ -44,7 +44,10 @@ struct Integer {
         value = stored;
         return true;
     }
-    csKey describe( csKey & ) const { return { .kind = CS_KEY_INT, .expected = expected, .minimum = minimum, .maximum = maximum }; }
+    csKey describe( csKey & ) const
+    {
+        return { .kind = CS_KEY_INT, .expected = expected, .minimum = minimum, .maximum = maximum };
+    }
 };
 
 // 0..255, written as "0xB8", read in either base.
@@ -193,7 +196,8 @@ template <class T> struct StoreOf {
 template <class T, class Entry> struct SetOf {
     Entry entry;
 
-    void write( struct pbStore **store, const char *key, const pb::Ref<struct pbDict> &value, pbBool storeDefaults ) const
+    void write( struct pbStore **store, const char *key, const pb::Ref<struct pbDict> &value,
+                pbBool storeDefaults ) const
     {
         auto array = pb::adopt( pbStoreCreate() );
         for ( pbInt i = 0; i < pbDictLength( value.get() ); ++i ) {
@@ -249,7 +253,8 @@ template <class T> struct Member {
             return static_cast<bool>( member );
     }
     static bool isDefault( const T & ) { return false; }
-    template <class Codec> static bool read( const Codec &codec, const struct pbStore *store, const char *key, T &member )
+    template <class Codec>
+    static bool read( const Codec &codec, const struct pbStore *store, const char *key, T &member )
     {
         return codec.read( store, key, member );
     }
@@ -307,15 +312,19 @@ private:
 } // namespace detail
 
 template <class T, class... Rows>
-[[nodiscard]] pb::Ref<struct pbStore> store( const T &object, const std::tuple<Rows...> &form, pbBool storeDefaults = false )
+[[nodiscard]] pb::Ref<struct pbStore> store( const T &object, const std::tuple<Rows...> &form,
+                                             pbBool storeDefaults = false )
 {
     auto result = pb::adopt( pbStoreCreate() );
-    std::apply( [&]( const auto &...row ) { ( detail::storeRow( object, row, storeDefaults, result.address() ), ... ); }, form );
+    std::apply(
+        [&]( const auto &...row ) { ( detail::storeRow( object, row, storeDefaults, result.address() ), ... ); },
+        form );
     return result;
 }
 
 // True when every key was there and valid.
-template <class T, class... Rows> bool restore( T &object, const std::tuple<Rows...> &form, const struct pbStore *store )
+template <class T, class... Rows>
+bool restore( T &object, const std::tuple<Rows...> &form, const struct pbStore *store )
 {
     bool whole = true;
     const auto keep = [&whole]( bool valid ) { whole = whole && valid; };

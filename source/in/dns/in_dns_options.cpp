@@ -13,7 +13,7 @@ struct inDnsOptions final : pb::Object<struct inDnsOptions, in___sort_IN_DNS_OPT
     pb::Defaulted<pbBool> disableQueryAddresses{ 0 };
     pb::Defaulted<pbBool> disableQueryDomainNames{ 0 };
     pb::Defaulted<pbBool> disableQuerySrv{ 0 };
-    pb::Defaulted<pbInt> cacheTimeout{ defaultDuration }; // milliseconds, >= 0
+    pb::Defaulted<pbInt> cacheTimeout{ defaultDuration };         // milliseconds, >= 0
     pb::Defaulted<pbInt> negativeCacheTimeout{ defaultDuration }; // milliseconds, >= 0
 
     auto operator<=>( const inDnsOptions & ) const = default;
@@ -27,8 +27,10 @@ constexpr in::form::Integer milliseconds{ 0, PB_INT_MAX, "milliseconds, 0 or gre
 
 constexpr auto form = std::tuple{
     in::form::Row{ "maxBlockDuration", &inDnsOptions::maxBlockDuration, milliseconds, in::form::unlessDefault },
-    in::form::Row{ "disableQueryAddresses", &inDnsOptions::disableQueryAddresses, in::form::Boolean{}, in::form::unlessDefault },
-    in::form::Row{ "disableQueryDomainNames", &inDnsOptions::disableQueryDomainNames, in::form::Boolean{}, in::form::unlessDefault },
+    in::form::Row{ "disableQueryAddresses", &inDnsOptions::disableQueryAddresses, in::form::Boolean{},
+                   in::form::unlessDefault },
+    in::form::Row{ "disableQueryDomainNames", &inDnsOptions::disableQueryDomainNames, in::form::Boolean{},
+                   in::form::unlessDefault },
     in::form::Row{ "disableQuerySrv", &inDnsOptions::disableQuerySrv, in::form::Boolean{}, in::form::unlessDefault },
     in::form::Row{ "cacheTimeout", &inDnsOptions::cacheTimeout, milliseconds, in::form::unlessDefault },
     // Kept as systems know it: the stored value goes to the cache timeout, also over the one read before it.

@@ -28,7 +28,8 @@ struct Parts {
 
     bool isOf( const struct inAddress *ina ) const
     {
-        return ina && ina->version == version && memcmp( ina->bytes, bytes, version == IN_ADDRESS_VERSION_4 ? 4 : 16 ) == 0;
+        return ina && ina->version == version
+               && memcmp( ina->bytes, bytes, version == IN_ADDRESS_VERSION_4 ? 4 : 16 ) == 0;
     }
     pb::Ref<struct inAddress> address() const
     {
@@ -132,7 +133,8 @@ pbInt in___ImpSockaddrSize( void )
     return sizeof( LocalSockaddr );
 }
 
-pbBool in___ImpSockaddrFromAddressAndPort( void *optionalSockaddr, pbInt *optionalLength, const struct inAddress *ina, pbInt port )
+pbBool in___ImpSockaddrFromAddressAndPort( void *optionalSockaddr, pbInt *optionalLength, const struct inAddress *ina,
+                                           pbInt port )
 {
     PB_ASSERT( ina );
     PB_ASSERT( PB___INT_TO_UNSIGNED_TYPE_CONV_OK( port, in_port_t ) );
@@ -144,7 +146,8 @@ pbBool in___ImpSockaddrFromAddressAndPort( void *optionalSockaddr, pbInt *option
         lsa.in.sin_port = htons( static_cast<in_port_t>( port ) );
         memcpy( &lsa.in.sin_addr, ina->bytes, 4 );
         length = sizeof lsa.in;
-    } else {
+    }
+    else {
         PB_ASSERT( PB_SIZEOF_ARRAY( lsa.in6.sin6_addr.s6_addr ) == inAddressLength( ina ) );
         lsa.in6.sin6_family = AF_INET6;
         lsa.in6.sin6_port = htons( static_cast<in_port_t>( port ) );
@@ -163,38 +166,44 @@ pbBool in___ImpSockaddrFromAddress( void *optionalSockaddr, pbInt *optionalLengt
     return in___ImpSockaddrFromAddressAndPort( optionalSockaddr, optionalLength, ina, 0 );
 }
 
-pbBool in___ImpSockaddrFromAddressAndTcpPort( void *optionalSockaddr, pbInt *optionalLength, const struct inAddress *ina,
-                                              pbInt tcpPort )
+pbBool in___ImpSockaddrFromAddressAndTcpPort( void *optionalSockaddr, pbInt *optionalLength,
+                                              const struct inAddress *ina, pbInt tcpPort )
 {
     PB_ASSERT( IN_TCP_PORT_OK( tcpPort ) );
     return in___ImpSockaddrFromAddressAndPort( optionalSockaddr, optionalLength, ina, tcpPort );
 }
 
-pbBool in___ImpSockaddrFromAddressAndUdpPort( void *optionalSockaddr, pbInt *optionalLength, const struct inAddress *ina,
-                                              pbInt udpPort )
+pbBool in___ImpSockaddrFromAddressAndUdpPort( void *optionalSockaddr, pbInt *optionalLength,
+                                              const struct inAddress *ina, pbInt udpPort )
 {
     PB_ASSERT( IN_UDP_PORT_OK( udpPort ) );
     return in___ImpSockaddrFromAddressAndPort( optionalSockaddr, optionalLength, ina, udpPort );
 }
 
-pbBool in___ImpSockaddrFromTcpAddress( void *optionalSockaddr, pbInt *optionalLength, const struct inTcpAddress *tcpAddress )
+pbBool in___ImpSockaddrFromTcpAddress( void *optionalSockaddr, pbInt *optionalLength,
+                                       const struct inTcpAddress *tcpAddress )
 {
     PB_ASSERT( tcpAddress );
-    return in___ImpSockaddrFromAddressAndTcpPort( optionalSockaddr, optionalLength, in___TcpAddressAddressBorrowed( tcpAddress ),
+    return in___ImpSockaddrFromAddressAndTcpPort( optionalSockaddr, optionalLength,
+                                                  in___TcpAddressAddressBorrowed( tcpAddress ),
                                                   inTcpAddressPort( tcpAddress ) );
 }
 
-pbBool in___ImpSockaddrFromUdpAddress( void *optionalSockaddr, pbInt *optionalLength, const struct inUdpAddress *udpAddress )
+pbBool in___ImpSockaddrFromUdpAddress( void *optionalSockaddr, pbInt *optionalLength,
+                                       const struct inUdpAddress *udpAddress )
 {
     PB_ASSERT( udpAddress );
-    return in___ImpSockaddrFromAddressAndUdpPort( optionalSockaddr, optionalLength, in___UdpAddressAddressBorrowed( udpAddress ),
+    return in___ImpSockaddrFromAddressAndUdpPort( optionalSockaddr, optionalLength,
+                                                  in___UdpAddressAddressBorrowed( udpAddress ),
                                                   inUdpAddressPort( udpAddress ) );
 }
 
-pbBool in___ImpSockaddrFromRawAddress( void *optionalSockaddr, pbInt *optionalLength, const struct inRawAddress *rawAddress )
+pbBool in___ImpSockaddrFromRawAddress( void *optionalSockaddr, pbInt *optionalLength,
+                                       const struct inRawAddress *rawAddress )
 {
     PB_ASSERT( rawAddress );
-    return in___ImpSockaddrFromAddressAndPort( optionalSockaddr, optionalLength, in___RawAddressAddressBorrowed( rawAddress ),
+    return in___ImpSockaddrFromAddressAndPort( optionalSockaddr, optionalLength,
+                                               in___RawAddressAddressBorrowed( rawAddress ),
                                                inRawAddressProtocol( rawAddress ) );
 }
 
@@ -218,7 +227,8 @@ pbBool in___ImpSockaddrToUdpAddress( const void *sockaddr, pbInt length, struct 
     return toPort( sockaddr, length, udpAddress );
 }
 
-pbBool in___ImpSockaddrToRawAddress( const void *sockaddr, pbInt length, struct inRawAddress **rawAddress, pbInt protocolHint )
+pbBool in___ImpSockaddrToRawAddress( const void *sockaddr, pbInt length, struct inRawAddress **rawAddress,
+                                     pbInt protocolHint )
 {
     PB_ASSERT( protocolHint >= 0 );
     clear( rawAddress );
@@ -251,7 +261,8 @@ pbBool in___ImpSockaddrUpdateUdpAddress( const void *sockaddr, pbInt length, str
     return updatePort( sockaddr, length, udpAddress );
 }
 
-pbBool in___ImpSockaddrUpdateRawAddress( const void *sockaddr, pbInt length, struct inRawAddress **rawAddress, pbInt protocolHint )
+pbBool in___ImpSockaddrUpdateRawAddress( const void *sockaddr, pbInt length, struct inRawAddress **rawAddress,
+                                         pbInt protocolHint )
 {
     PB_ASSERT( protocolHint >= 0 );
     PB_ASSERT( rawAddress );

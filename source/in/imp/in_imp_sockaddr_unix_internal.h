@@ -21,11 +21,9 @@ pbBool in___ImpSockaddrFromAddressAndPort( void *optionalSockaddr, pbInt *option
                                            pbInt port ); // 0..65535
 pbBool in___ImpSockaddrFromAddress( void *optionalSockaddr, pbInt *optionalLength, const struct inAddress *ina );
 pbBool in___ImpSockaddrFromAddressAndTcpPort( void *optionalSockaddr, pbInt *optionalLength,
-                                              const struct inAddress *ina,
-                                              pbInt tcpPort );
+                                              const struct inAddress *ina, pbInt tcpPort );
 pbBool in___ImpSockaddrFromAddressAndUdpPort( void *optionalSockaddr, pbInt *optionalLength,
-                                              const struct inAddress *ina,
-                                              pbInt udpPort );
+                                              const struct inAddress *ina, pbInt udpPort );
 pbBool in___ImpSockaddrFromTcpAddress( void *optionalSockaddr, pbInt *optionalLength,
                                        const struct inTcpAddress *tcpAddress );
 pbBool in___ImpSockaddrFromUdpAddress( void *optionalSockaddr, pbInt *optionalLength,

@@ -24,7 +24,7 @@ IN_API pbBool inNwAddressEquals( const struct inNwAddress *a, const struct inNwA
 IN_API struct inNwAddress *inNwAddressCreateMac( const struct inNwMacAddress *mac );
 IN_API struct inNwAddress *inNwAddressCreateFrom( const struct inNwAddress *source );
 
-IN_API pbInt inNwAddressType( const struct inNwAddress *address ); // IN_NW_ADDRESS_TYPE_...
+IN_API pbInt inNwAddressType( const struct inNwAddress *address );                 // IN_NW_ADDRESS_TYPE_...
 IN_API struct inNwMacAddress *inNwAddressMac( const struct inNwAddress *address ); // null when of another type
 IN_API pbBool inNwAddressHasMac( const struct inNwAddress *address );
 

@@ -6,7 +6,8 @@
 
 static constinit pb::Global<struct pbFlagset> in___NwInterfaceFlagsFlagset;
 
-const char *const in___NwInterfaceFlagsNames[] = { "IN_NW_INTERFACE_FLAG_CANNOT_SET_STATUS", "IN_NW_INTERFACE_FLAG_HIDE", nullptr };
+const char *const in___NwInterfaceFlagsNames[] = { "IN_NW_INTERFACE_FLAG_CANNOT_SET_STATUS",
+                                                   "IN_NW_INTERFACE_FLAG_HIDE", nullptr };
 
 void in___NwInterfaceFlagsStartup( void )
 {

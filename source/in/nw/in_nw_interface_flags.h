@@ -10,7 +10,7 @@ PB_DECLS_BEGIN
 struct pbString;
 
 #define IN_NW_INTERFACE_FLAG_CANNOT_SET_STATUS ( (uint64_t)1 ) // the link cannot be taken up or down
-#define IN_NW_INTERFACE_FLAG_HIDE ( (uint64_t)2 ) // not to be shown to a person
+#define IN_NW_INTERFACE_FLAG_HIDE ( (uint64_t)2 )              // not to be shown to a person
 
 // Keeps the flags defined above.
 IN_API uint64_t inNwInterfaceFlagsNormalize( uint64_t flags );

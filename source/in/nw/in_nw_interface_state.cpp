@@ -50,7 +50,8 @@ constexpr auto form = std::tuple{
     Row{ "end", &inNwInterfaceState::end, in::form::Boolean{}, in::form::always },
     Row{ "displayName", &inNwInterfaceState::displayName, in::form::Text{}, in::form::whenPresent },
     Row{ "status", &inNwInterfaceState::status,
-         in::form::Enumeration{ inNwInterfaceStatusToString, inNwInterfaceStatusFromString, in___NwInterfaceStatusNames },
+         in::form::Enumeration{ inNwInterfaceStatusToString, inNwInterfaceStatusFromString,
+                                in___NwInterfaceStatusNames },
          in::form::whenPresent },
     Row{ "flags", &inNwInterfaceState::flags,
          in::form::Flags{ inNwInterfaceFlagsToString, inNwInterfaceFlagsFromString, in___NwInterfaceFlagsNames },
@@ -189,7 +190,8 @@ void inNwInterfaceStateLayer2SetAddress( struct inNwInterfaceState **state, cons
     PB_ASSERT( state );
     PB_ASSERT( *state );
     PB_ASSERT( address );
-    pbDictSetObjKey( pb::edit( state ).layer2Addresses.address(), inNwAddressObj( address ), inNwAddressObj( address ) );
+    pbDictSetObjKey( pb::edit( state ).layer2Addresses.address(), inNwAddressObj( address ),
+                     inNwAddressObj( address ) );
 }
 
 void inNwInterfaceStateLayer2DelAddress( struct inNwInterfaceState **state, const struct inNwAddress *address )

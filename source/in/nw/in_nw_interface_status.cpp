@@ -6,7 +6,8 @@
 
 static constinit pb::Global<struct pbEnum> in___NwInterfaceStatusEnum;
 
-const char *const in___NwInterfaceStatusNames[] = { "IN_NW_INTERFACE_STATUS_DOWN", "IN_NW_INTERFACE_STATUS_UP", nullptr };
+const char *const in___NwInterfaceStatusNames[] = { "IN_NW_INTERFACE_STATUS_DOWN", "IN_NW_INTERFACE_STATUS_UP",
+                                                    nullptr };
 
 void in___NwInterfaceStatusStartup( void )
 {

@@ -17,8 +17,8 @@ struct inNwMacAddress final : pb::Object<struct inNwMacAddress, in___sort_IN_NW_
 
     pb::String toString() const
     {
-        return pb::format( "%^02!16i:%^02!16i:%^02!16i:%^02!16i:%^02!16i:%^02!16i", bytes[0], bytes[1], bytes[2], bytes[3],
-                           bytes[4], bytes[5] );
+        return pb::format( "%^02!16i:%^02!16i:%^02!16i:%^02!16i:%^02!16i:%^02!16i", bytes[0], bytes[1], bytes[2],
+                           bytes[3], bytes[4], bytes[5] );
     }
 };
 
@@ -63,8 +63,8 @@ struct inNwMacAddress *inNwMacAddressTryCreateFromString( const struct pbString 
         const auto piece = pb::adopt( pbStringFrom( pbVectorObjAt( pieces.get(), i ) ) );
         pbInt value = 0;
         pbInt length = 0;
-        if ( !pbStringScanInt( piece.get(), 0, 16, &value, &length ) || length != pbStringLength( piece.get() ) || value < 0
-             || value > 255 )
+        if ( !pbStringScanInt( piece.get(), 0, 16, &value, &length ) || length != pbStringLength( piece.get() )
+             || value < 0 || value > 255 )
             return nullptr;
         mac->bytes[static_cast<size_t>( i )] = static_cast<uint8_t>( value );
     }

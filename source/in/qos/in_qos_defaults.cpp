@@ -7,11 +7,7 @@
 static constinit pb::Global<struct pbEnum> in___QosDefaultsEnum;
 
 const char *const in___QosDefaultsNames[] = {
-    "IN_QOS_DEFAULTS_NONE",
-    "IN_QOS_DEFAULTS_IPC",
-    "IN_QOS_DEFAULTS_VOICE",
-    "IN_QOS_DEFAULTS_SIGNALING",
-    nullptr,
+    "IN_QOS_DEFAULTS_NONE", "IN_QOS_DEFAULTS_IPC", "IN_QOS_DEFAULTS_VOICE", "IN_QOS_DEFAULTS_SIGNALING", nullptr,
 };
 
 void in___QosDefaultsStartup( void )

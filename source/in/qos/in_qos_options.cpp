@@ -58,7 +58,8 @@ using in::form::Enumeration;
 
 constexpr auto form = std::tuple{
     in::form::Row{ "defaults", &inQosOptions::defaults,
-                   Enumeration{ inQosDefaultsToString, inQosDefaultsFromString, in___QosDefaultsNames }, in::form::always },
+                   Enumeration{ inQosDefaultsToString, inQosDefaultsFromString, in___QosDefaultsNames },
+                   in::form::always },
     in::form::Row{ "layer3Tos", &inQosOptions::layer3Tos, in::form::HexadecimalByte{}, in::form::unlessDefault },
     in::form::Row{ "layer2Pcp", &inQosOptions::layer2Pcp,
                    Enumeration{ inQosLayer2PcpToString, inQosLayer2PcpFromString, in___QosLayer2PcpNames },

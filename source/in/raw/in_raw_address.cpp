@@ -10,11 +10,14 @@ PB_SORT_DECLARE( in___sort_IN_RAW_ADDRESS )
 
 struct inRawAddress final : pb::Object<struct inRawAddress, in___sort_IN_RAW_ADDRESS> {
     pb::Ref<struct inAddress> address; // never null
-    pbInt protocol = 0; // 0..255
+    pbInt protocol = 0;                // 0..255
 
     auto operator<=>( const inRawAddress & ) const = default;
 
-    pb::String toString() const { return pb::format( "%~s:%i", pb::adopt( inAddressToHost( address.get() ) ), protocol ); }
+    pb::String toString() const
+    {
+        return pb::format( "%~s:%i", pb::adopt( inAddressToHost( address.get() ) ), protocol );
+    }
 };
 
 PB_OBJECT_DEFINE( inRawAddress, in___sort_IN_RAW_ADDRESS )

@@ -9,7 +9,7 @@ PB_DECLS_BEGIN
 
 struct pbString;
 
-#define IN_TCP_FLAG_NO_DELAY ( (uint64_t)1 ) // TCP_NODELAY
+#define IN_TCP_FLAG_NO_DELAY ( (uint64_t)1 )   // TCP_NODELAY
 #define IN_TCP_FLAG_KEEP_ALIVE ( (uint64_t)2 ) // keep-alive on, even when the options leave it off
 
 // Keeps the flags defined above.

@@ -41,9 +41,10 @@ struct pbStore *storePortRange( const struct inTcpPortRange *range, pbBool )
 constexpr in::form::Integer milliseconds{ 1, PB_INT_MAX, "milliseconds, greater than 0" };
 
 constexpr auto form = std::tuple{
-    in::form::Row{ "portRange", &inTcpOptions::portRange,
-                   in::form::StoreOf<struct inTcpPortRange>{ storePortRange, inTcpPortRangeTryRestore, in___TcpPortRangeKeys },
-                   in::form::whenPresent },
+    in::form::Row{
+        "portRange", &inTcpOptions::portRange,
+        in::form::StoreOf<struct inTcpPortRange>{ storePortRange, inTcpPortRangeTryRestore, in___TcpPortRangeKeys },
+        in::form::whenPresent },
     in::form::Row{ "blacklistEnabled", &inTcpOptions::blacklistEnabled, in::form::Boolean{}, in::form::unlessDefault },
     in::form::Row{ "blacklistTimeout", &inTcpOptions::blacklistTimeout, milliseconds, in::form::unlessDefault },
     in::form::Row{ "blacklistGranularity", &inTcpOptions::blacklistGranularity, milliseconds, in::form::unlessDefault },

@@ -10,7 +10,7 @@ PB_SORT_DECLARE( in___sort_IN_UDP_ADDRESS )
 
 struct inUdpAddress final : pb::Object<struct inUdpAddress, in___sort_IN_UDP_ADDRESS> {
     pb::Ref<struct inAddress> address; // never null
-    pbInt port = 1; // 1..65535
+    pbInt port = 1;                    // 1..65535
 
     auto operator<=>( const inUdpAddress & ) const = default;
 
@@ -22,9 +22,10 @@ PB_OBJECT_DEFINE( inUdpAddress, in___sort_IN_UDP_ADDRESS )
 namespace {
 
 constexpr auto form = std::tuple{
-    in::form::Row{ "address", &inUdpAddress::address,
-                   in::form::TextOf<struct inAddress>{ inAddressToString, inAddressTryCreateFromString, "an IP address" },
-                   in::form::always },
+    in::form::Row{
+        "address", &inUdpAddress::address,
+        in::form::TextOf<struct inAddress>{ inAddressToString, inAddressTryCreateFromString, "an IP address" },
+        in::form::always },
     in::form::Row{ "port", &inUdpAddress::port, in::form::Integer{ 1, 65535 }, in::form::always },
 };
 

@@ -24,9 +24,10 @@ struct pbStore *storePortRange( const struct inUdpPortRange *range, pbBool )
 }
 
 constexpr auto form = std::tuple{
-    in::form::Row{ "portRange", &inUdpOptions::portRange,
-                   in::form::StoreOf<struct inUdpPortRange>{ storePortRange, inUdpPortRangeTryRestore, in___UdpPortRangeKeys },
-                   in::form::whenPresent },
+    in::form::Row{
+        "portRange", &inUdpOptions::portRange,
+        in::form::StoreOf<struct inUdpPortRange>{ storePortRange, inUdpPortRangeTryRestore, in___UdpPortRangeKeys },
+        in::form::whenPresent },
 };
 
 } // namespace

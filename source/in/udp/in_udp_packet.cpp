@@ -45,7 +45,8 @@ struct inUdpPacket *inUdpPacketCreateWithPayloadBytes( const struct inUdpAddress
     PB_ASSERT( remoteAddress );
     PB_ASSERT( bytes || !byteCount );
     PB_ASSERT( byteCount >= 0 );
-    return pb::make<struct inUdpPacket>( pb::share( remoteAddress ), pb::adopt( pbBufferCreateFromBytes( bytes, byteCount ) ) )
+    return pb::make<struct inUdpPacket>( pb::share( remoteAddress ),
+                                         pb::adopt( pbBufferCreateFromBytes( bytes, byteCount ) ) )
         .release();
 }
 
@@ -93,7 +94,8 @@ void inUdpPacketSetPayloadBytes( struct inUdpPacket **packet, const void *bytes,
 }
 
 // The parts are appended to a new buffer, since the source may be the payload that they replace.
-void inUdpPacketSetPayloadInner( struct inUdpPacket **packet, const struct pbBuffer *buf, pbInt byteOffset, pbInt byteCount )
+void inUdpPacketSetPayloadInner( struct inUdpPacket **packet, const struct pbBuffer *buf, pbInt byteOffset,
+                                 pbInt byteCount )
 {
     PB_ASSERT( packet );
     PB_ASSERT( *packet );
@@ -115,7 +117,8 @@ void inUdpPacketSetPayloadTrailing( struct inUdpPacket **packet, const struct pb
     inUdpPacketSetPayloadInner( packet, buf, pbBufferLength( buf ) - byteCount, byteCount );
 }
 
-void inUdpPacketSetPayloadOuter( struct inUdpPacket **packet, const struct pbBuffer *buf, pbInt byteOffset, pbInt byteCount )
+void inUdpPacketSetPayloadOuter( struct inUdpPacket **packet, const struct pbBuffer *buf, pbInt byteOffset,
+                                 pbInt byteCount )
 {
     PB_ASSERT( packet );
     PB_ASSERT( *packet );

@@ -30,8 +30,7 @@ IN_API struct inUdpPacket *inUdpPacketCreateWithPayload( const struct inUdpAddre
                                                          const struct pbBuffer *buf );
 // Copies the bytes, which may be null when byteCount is 0.
 IN_API struct inUdpPacket *inUdpPacketCreateWithPayloadBytes( const struct inUdpAddress *remoteAddress,
-                                                              const void *bytes,
-                                                              pbInt byteCount );
+                                                              const void *bytes, pbInt byteCount );
 
 IN_API struct inUdpAddress *inUdpPacketRemoteAddress( const struct inUdpPacket *packet );
 IN_API void inUdpPacketSetRemoteAddress( struct inUdpPacket **packet, const struct inUdpAddress *remoteAddress );
