@@ -9,7 +9,10 @@ PB_SORT_DECLARE( pr___sort_PR_DOMAIN )
 struct prDomain final : pb::Object<struct prDomain, pr___sort_PR_DOMAIN> {
     const pb::Ref<struct prScheduler> scheduler;
 
-    prDomain( pbInt threads, pbInt priority ) : scheduler( pb::make<struct prScheduler>( "prDomain", threads, priority ) ) {}
+    prDomain( pbInt threads, pbInt priority )
+        : scheduler( pb::make<struct prScheduler>( "prDomain", threads, priority ) )
+    {
+    }
     ~prDomain() { scheduler->stop(); }
 };
 PB_OBJECT_DEFINE( prDomain, pr___sort_PR_DOMAIN )

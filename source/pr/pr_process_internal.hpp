@@ -2,7 +2,7 @@
 //
 // The state is a word of flags that decides who may touch the process:
 //   scheduled   a run is asked for. Whoever sets it while nothing else is set owes the process to the queue.
-//   running     one thread is inside the function; a "scheduled" set meanwhile is taken up by that thread afterwards.
+//   running     one thread is inside the function; "scheduled", when set meanwhile, is taken up by it afterwards.
 //   halted      no run starts any more. Halting sets "scheduled" too, so that the process passes through a scheduler
 //               thread once more, which ends it. The argument is never dropped in the thread that halts: that thread may
 //               hold monitors that live in the argument.
@@ -33,8 +33,8 @@ struct prProcess final : pb::Object<struct prProcess, pr___sort_PR_PROCESS> {
 
     prProcess( struct prScheduler *ownScheduler, pbInt ownPriority, void ( *ownFunction )( struct pbObj * ),
                struct pbObj *ownArgument, pb::String ownName )
-        : scheduler( pb::share( ownScheduler ) ), priority( ownPriority ), function( ownFunction ), name( std::move( ownName ) ),
-          argument( pb::share( ownArgument ) )
+        : scheduler( pb::share( ownScheduler ) ), priority( ownPriority ), function( ownFunction ),
+          name( std::move( ownName ) ), argument( pb::share( ownArgument ) )
     {
     }
 

@@ -42,7 +42,7 @@ struct prScheduler final : pb::Object<struct prScheduler, pr___sort_PR_SCHEDULER
     // Waits for the runs under way and joins the threads. What is still queued is dropped without a run, and so is
     // everything that comes later. Not from a thread of this scheduler.
     void stop();
-    // Keeps a reference to the process until it has run or was dropped. False after stop. Starts the threads when needed.
+    // Keeps a reference to the process until it has run or was dropped. False after stop. Starts the threads if need be.
     bool enqueue( struct prProcess *process );
     // Blocks until nothing is queued or running.
     void quiesce();
@@ -52,7 +52,7 @@ private:
     pbInt spawn() PB_REQUIRES( lifeMonitor_ );
     static void threadFunction( struct pbObj *self );
     void work();
-    // Ends the calling thread's last run, which may ask for another one, and waits for the next; null to end the thread.
+    // Ends the calling thread's last run, which may ask for another, and waits for the next; null to end the thread.
     pb::Ref<struct prProcess> next( bool first, pb::Ref<struct prProcess> again );
     // True when a sleeping thread is now owed a wake: the caller wakes it after leaving the monitor.
     bool push( pb::Ref<struct prProcess> process ) PB_REQUIRES( monitor_ );

@@ -28,12 +28,14 @@ struct trAnchor *trAnchorCreate( struct trStream *stream, pbInt kind )
     return pb::make<struct trAnchor>( stream, kind, pb::String() ).release();
 }
 
-struct trAnchor *trAnchorCreateWithAnnotationCstr( struct trStream *stream, pbInt kind, const char *annotation, pbInt annotationLength )
+struct trAnchor *trAnchorCreateWithAnnotationCstr( struct trStream *stream, pbInt kind, const char *annotation,
+                                                   pbInt annotationLength )
 {
     PB_ASSERT( stream );
     PB_ASSERT( kind >= 0 );
     PB_ASSERT( annotation );
-    return pb::make<struct trAnchor>( stream, kind, pb::adopt( pbStringCreateFromCstr( annotation, annotationLength ) ) ).release();
+    pb::String text = pb::adopt( pbStringCreateFromCstr( annotation, annotationLength ) );
+    return pb::make<struct trAnchor>( stream, kind, std::move( text ) ).release();
 }
 
 void trAnchorComplete( struct trAnchor *anchor, struct trStream *stream )

@@ -1,4 +1,5 @@
-// trStream: the trace of one active object. State is kept whether anybody listens or not; texts go to the listener alone.
+// trStream: the trace of one active object. State is kept whether anybody listens or not; texts go to the listener
+// alone.
 #include "tr/tr_stream.h"
 
 #include "pb/pb_buffer.h"
@@ -30,7 +31,10 @@ struct trStream final : pb::Object<struct trStream, tr___sort_TR_STREAM> {
     pb::Ref<struct pbStore> configuration PB_GUARDED_BY( monitor );
     bool notable PB_GUARDED_BY( monitor ) = false;
 
-    explicit trStream( pb::String streamName ) : name( std::move( streamName ) ) { emit( { .kind = TR_EVENT_CREATED, .text = name.get() } ); }
+    explicit trStream( pb::String streamName ) : name( std::move( streamName ) )
+    {
+        emit( { .kind = TR_EVENT_CREATED, .text = name.get() } );
+    }
     ~trStream() { emit( { .kind = TR_EVENT_RELEASED } ); }
 
     pb::String toString() const { return name; }
@@ -106,7 +110,8 @@ void trStreamSetPayloadTypeCstr( struct trStream *stream, const char *type, pbIn
     stream->payloadType = std::move( text );
 }
 
-void trStreamSetPropertyCstrString( struct trStream *stream, const char *key, pbInt keyLength, const struct pbString *value )
+void trStreamSetPropertyCstrString( struct trStream *stream, const char *key, pbInt keyLength,
+                                    const struct pbString *value )
 {
     PB_ASSERT( stream );
     PB_ASSERT( key );
@@ -128,7 +133,8 @@ void trStreamSetPropertyCstrInt( struct trStream *stream, const char *key, pbInt
     stream->setProperty( key, keyLength, pb::format( "%i", value ).get(), nullptr );
 }
 
-void trStreamSetPropertyCstrStore( struct trStream *stream, const char *key, pbInt keyLength, const struct pbStore *value )
+void trStreamSetPropertyCstrStore( struct trStream *stream, const char *key, pbInt keyLength,
+                                   const struct pbStore *value )
 {
     PB_ASSERT( stream );
     PB_ASSERT( key );
@@ -192,8 +198,10 @@ void trStreamTextCstr( struct trStream *stream, const char *text, pbInt textLeng
 {
     PB_ASSERT( stream );
     PB_ASSERT( text );
-    if ( tr::listening() )
-        stream->emit( { .kind = TR_EVENT_TEXT, .text = pb::adopt( pbStringCreateFromCstr( text, textLength ) ).get() } );
+    if ( !tr::listening() )
+        return;
+    const pb::String string = pb::adopt( pbStringCreateFromCstr( text, textLength ) );
+    stream->emit( { .kind = TR_EVENT_TEXT, .text = string.get() } );
 }
 
 void trStreamTextFormatCstr( struct trStream *stream, const char *format, pbInt formatLength,
@@ -201,9 +209,10 @@ void trStreamTextFormatCstr( struct trStream *stream, const char *format, pbInt 
 {
     PB_ASSERT( stream );
     PB_ASSERT( format );
-    if ( tr::listening() )
-        stream->emit( { .kind = TR_EVENT_TEXT,
-                        .text = pb::adopt( pbStringCreateFromFormatCstr( format, formatLength, arguments, argumentCount ) ).get() } );
+    if ( !tr::listening() )
+        return;
+    const pb::String text = pb::adopt( pbStringCreateFromFormatCstr( format, formatLength, arguments, argumentCount ) );
+    stream->emit( { .kind = TR_EVENT_TEXT, .text = text.get() } );
 }
 
 void trStreamMessageFormatCstr( struct trStream *stream, const struct pbBuffer *payload, const char *format,
@@ -212,10 +221,10 @@ void trStreamMessageFormatCstr( struct trStream *stream, const struct pbBuffer *
     PB_ASSERT( stream );
     PB_ASSERT( payload );
     PB_ASSERT( format );
-    if ( tr::listening() )
-        stream->emit( { .kind = TR_EVENT_MESSAGE,
-                        .text = pb::adopt( pbStringCreateFromFormatCstr( format, formatLength, arguments, argumentCount ) ).get(),
-                        .payload = payload } );
+    if ( !tr::listening() )
+        return;
+    const pb::String text = pb::adopt( pbStringCreateFromFormatCstr( format, formatLength, arguments, argumentCount ) );
+    stream->emit( { .kind = TR_EVENT_MESSAGE, .text = text.get(), .payload = payload } );
 }
 
 } // extern "C"

@@ -46,7 +46,8 @@ extern "C" void tr___SystemEmit( struct trEvent *event )
     listener( event, listenerContext );
 }
 
-extern "C" void trSystemSetListener( void ( *newListener )( const struct trEvent *event, void *context ), void *context )
+extern "C" void trSystemSetListener( void ( *newListener )( const struct trEvent *event, void *context ),
+                                     void *context )
 {
     pb::Guard guard( monitor );
     listener = newListener;

@@ -5,7 +5,7 @@
 #include "tr/tr_system.h"
 
 extern "C" {
-// Stamps the event and gives it to the listener, if there still is one. Takes a leaf monitor: not from under another leaf.
+// Stamps the event and gives it to the listener, if there still is one.
 void tr___SystemEmit( struct trEvent *event );
 }
 

@@ -40,7 +40,8 @@ public:
     explicit TraceCatcher( bool highVolume = false )
     {
         trSystemSetAcceptsHighVolumeMessages( highVolume );
-        trSystemSetListener( []( const trEvent *event, void *self ) { static_cast<TraceCatcher *>( self )->take( *event ); }, this );
+        trSystemSetListener(
+            []( const trEvent *event, void *self ) { static_cast<TraceCatcher *>( self )->take( *event ); }, this );
     }
     ~TraceCatcher()
     {
@@ -119,7 +120,8 @@ public:
         for ( const Event &event : events_ )
             if ( event.kind == TR_EVENT_LINKED ) {
                 const auto to = names_.find( event.other );
-                found.push_back( { event.name, to == names_.end() ? "" : to->second, event.anchorKind, event.text.value_or( "" ) } );
+                found.push_back( { event.name, to == names_.end() ? "" : to->second, event.anchorKind,
+                                   event.text.value_or( "" ) } );
             }
         return found;
     }
@@ -133,13 +135,15 @@ private:
     void take( const trEvent &event )
     {
         std::lock_guard lock( mutex_ );
-        events_.push_back( { event.kind, event.time, event.stream, pb::utf8( event.name ), copy( event.text ), copy( event.key ),
-                             copy( event.value ), pb::share( event.store ), pb::share( event.payload ), event.anchorKind, event.other } );
+        events_.push_back( { event.kind, event.time, event.stream, pb::utf8( event.name ), copy( event.text ),
+                             copy( event.key ), copy( event.value ), pb::share( event.store ),
+                             pb::share( event.payload ), event.anchorKind, event.other } );
         names_[event.stream] = events_.back().name;
         arrived_.notify_all();
     }
 
-    std::optional<Event> last( const std::string &name, pbInt kind, const std::optional<std::string> &key = std::nullopt ) const
+    std::optional<Event> last( const std::string &name, pbInt kind,
+                               const std::optional<std::string> &key = std::nullopt ) const
     {
         std::lock_guard lock( mutex_ );
         for ( auto event = events_.rbegin(); event != events_.rend(); ++event )

@@ -89,7 +89,8 @@ TEST( TrAnchor, TheFirstCompletionMakesTheLink )
     TraceCatcher catcher;
     const Stream channel = stream( "CHANNEL" ), stack = stream( "STACK" ), late = stream( "LATE" );
     const Anchor plain = pb::adopt( trAnchorCreate( channel.get(), TR_ANCHOR_KIND_STACK ) );
-    const Anchor annotated = pb::adopt( trAnchorCreateWithAnnotationCstr( channel.get(), TR_ANCHOR_KIND_USE, "inFilterInStack", -1 ) );
+    const Anchor annotated =
+        pb::adopt( trAnchorCreateWithAnnotationCstr( channel.get(), TR_ANCHOR_KIND_USE, "inFilterInStack", -1 ) );
     trAnchorComplete( plain.get(), stack.get() );
     trAnchorComplete( plain.get(), late.get() );
     trAnchorComplete( annotated.get(), stack.get() );
