@@ -4,9 +4,11 @@
 //   %^      lower-case digits (without it upper case)
 //   %s      pbString                  %o      any object, by its text form      %b       "true" or "false"
 //   %c      one code point            %%      a per cent sign
-//   %~s %~o release the argument after formatting (C only; in C++ an argument given by value releases itself)
 //
-// A null object prints "null". A directive that does not fit its argument aborts.
+// "~" before s or o marks an argument that the text takes with it; the kind of the argument decides: an object of kind
+// PB_FORMAT_ARGUMENT_OBJ_CONSUMED is released after formatting, whichever directive reads it.
+// A null object prints "null", what is no Unicode scalar value prints as U+FFFD. i, b and c read any number.
+// A directive that does not fit its argument, or too few or too many arguments, abort.
 #ifndef PB_FORMAT_H
 #define PB_FORMAT_H
 
@@ -20,6 +22,7 @@ struct pbString;
 #define PB_FORMAT_ARGUMENT_BOOL 1
 #define PB_FORMAT_ARGUMENT_CHAR 2
 #define PB_FORMAT_ARGUMENT_OBJ 3
+#define PB_FORMAT_ARGUMENT_OBJ_CONSUMED 4 // the formatter releases the caller's reference
 
 struct pbFormatArgument {
     pbInt kind;              // PB_FORMAT_ARGUMENT_...

@@ -5,6 +5,7 @@
 #include "pb/pb_text.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cwchar>
 
 PB_SORT_DECLARE( pb___sort_PB_STRING )
@@ -119,26 +120,28 @@ bool isAscii( const char *bytes, size_t count )
     return !( seen & 0x8080808080808080u );
 }
 
+// Eight at a time by interleaving with zeros, which leaves each byte as the low one of four.
 void widen( const char *bytes, size_t count, char32_t *chars )
 {
-    // Four at a time through vector registers; the last four may repeat some.
-    using Narrow __attribute__( ( vector_size( 4 ) ) ) = uint8_t;
-    using Wide __attribute__( ( vector_size( 16 ) ) ) = uint32_t;
-    constexpr size_t step = sizeof( Narrow );
-    const auto widenStep = [&]( size_t offset ) {
-        Narrow narrow;
-        std::memcpy( &narrow, bytes + offset, sizeof narrow );
-        const Wide wide = __builtin_convertvector( narrow, Wide );
-        std::memcpy( chars + offset, &wide, sizeof wide );
-    };
-    if ( count < step ) {
-        for ( size_t i = 0; i < count; ++i )
-            chars[i] = static_cast<unsigned char>( bytes[i] );
-        return;
-    }
-    for ( size_t offset = 0; offset + step <= count; offset += step )
-        widenStep( offset );
-    widenStep( count - step );
+    using Bytes __attribute__( ( vector_size( 16 ) ) ) = uint8_t;
+    using Words __attribute__( ( vector_size( 16 ) ) ) = uint64_t;
+    using Pairs __attribute__( ( vector_size( 16 ) ) ) = uint16_t;
+    constexpr size_t step = 8;
+    size_t done = 0;
+    if constexpr ( std::endian::native == std::endian::little )
+        for ( ; done + step <= count; done += step ) {
+            uint64_t word;
+            std::memcpy( &word, bytes + done, step );
+            const auto narrow = reinterpret_cast<Bytes>( Words{ word, 0 } );
+            const auto pairs = reinterpret_cast<Pairs>(
+                __builtin_shufflevector( narrow, Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23 ) );
+            const Pairs low = __builtin_shufflevector( pairs, Pairs{}, 0, 8, 1, 9, 2, 10, 3, 11 );
+            const Pairs high = __builtin_shufflevector( pairs, Pairs{}, 4, 12, 5, 13, 6, 14, 7, 15 );
+            std::memcpy( chars + done, &low, sizeof low );
+            std::memcpy( chars + done + step / 2, &high, sizeof high );
+        }
+    for ( ; done < count; ++done )
+        chars[done] = static_cast<unsigned char>( bytes[done] );
 }
 
 // Null when strict and malformed.
