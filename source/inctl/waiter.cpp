@@ -99,6 +99,13 @@ Waiter::Woken Waiter::wait( std::optional<Clock::time_point> deadline )
     }
 }
 
+Waiter::Woken Waiter::look( std::optional<Clock::time_point> deadline )
+{
+    if ( stopRequested() )
+        return Woken::Stop;
+    return deadline && Clock::now() >= *deadline ? Woken::Time : Woken::Library;
+}
+
 bool Waiter::stopRequested()
 {
     signalfd_siginfo info;

@@ -33,10 +33,12 @@ public:
 
     // Blocks until something of that happens; without a deadline, time does not end it.
     Woken wait( std::optional<Clock::time_point> deadline );
-    // Without blocking.
-    bool stopRequested();
+    // The same without blocking; Library also when nothing has happened.
+    Woken look( std::optional<Clock::time_point> deadline );
 
 private:
+    bool stopRequested();
+
     int signals_ = -1;
     bool stopped_ = false; // once requested, it stays so
     pb::Ref<Wake> wake_;

@@ -1,0 +1,63 @@
+// inctl run: a configuration, live until a signal or the time ends it.
+#include "inctl/command.hpp"
+#include "inctl/host.hpp"
+#include "inctl/status_watch.hpp"
+#include "inctl/trace_sink.hpp"
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+
+namespace inctl {
+namespace {
+
+struct RunOptions {
+    std::string file;
+    std::optional<double> seconds;
+    TraceChoice trace;
+};
+
+Exit runFile( Output &output, const RunOptions &options )
+{
+    std::optional<TraceSink> trace;
+    if ( !options.trace.target.empty() )
+        trace.emplace( options.trace );
+    const Host host;
+    Configuration configuration( options.file );
+    Waiter waiter;
+    const auto start = Waiter::Clock::now();
+    configuration.start();
+    StatusWatch watch( configuration, waiter );
+    std::optional<Waiter::Clock::time_point> deadline;
+    if ( options.seconds )
+        deadline = start + std::chrono::milliseconds( static_cast<pbInt>( *options.seconds * 1000 ) );
+    do
+        watch.showChanges( output );
+    while ( !output.broken() && waiter.wait( deadline ) == Waiter::Woken::Library );
+
+    const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>( Waiter::Clock::now() - start ).count();
+    output.line( fmt::format( "{}  ending after {:.1f} s", timeOfDay(), static_cast<double>( elapsed ) / 1000 ) );
+    output.record( Record().set( "event", "ending" ).set( "time", timeStamp() ).set( "milliseconds", elapsed ) );
+    return Exit::Yes;
+}
+
+} // namespace
+
+void addRun( CLI::App &root, Context &context )
+{
+    CLI::App *command =
+        addCommand( root, context, "run", "Start the objects of a configuration file and show how they fare",
+                    "  inctl run examples/sip.json                         until Ctrl-C or SIGTERM\n"
+                    "  inctl run server.json --trace=server.trace --trace-format json\n"
+                    "  inctl run server.json --for 1 && echo good          is the file right?\n"
+                    "A wrong file is refused whole, every mistake on a line FILE:LINE:COLUMN: error: ...\n" );
+    auto options = std::make_shared<RunOptions>();
+    command->add_option( "FILE", options->file, "The configuration, JSON with comments" )->required();
+    command->add_option( "--for", options->seconds, "End after so many seconds" )->check( CLI::Range( 0.0, 1e9 ) );
+    addTraceOptions( *command, options->trace );
+    command->callback(
+        [&context, options] { context.run = [&context, options] { return runFile( context.output, *options ); }; } );
+}
+
+} // namespace inctl

@@ -1,0 +1,74 @@
+// Configuration: a configuration file and its live objects.
+#include "inctl/configuration.hpp"
+
+#include "inctl/exit_code.hpp"
+#include "inctl/items.hpp"
+#include "inctl/nearest.hpp"
+
+#include <fmt/format.h>
+
+namespace inctl {
+
+Configuration::Configuration( const std::string &path )
+{
+    struct pbVector *problems = nullptr;
+    struct csConfiguration *loaded = csConfigurationTryLoad( pb::string( path ).get(), &problems );
+    accept( loaded, pb::adopt( problems ), path );
+}
+
+Configuration::Configuration( std::string_view text, const std::string &name )
+{
+    struct pbVector *problems = nullptr;
+    struct csConfiguration *loaded = csConfigurationTryParse( text.data(), static_cast<pbInt>( text.size() ),
+                                                              pb::string( name ).get(), &problems );
+    accept( loaded, pb::adopt( problems ), name );
+}
+
+void Configuration::accept( struct csConfiguration *loaded, const pb::Ref<struct pbVector> &problems,
+                            const std::string &name )
+{
+    configuration_ = pb::adopt( loaded );
+    if ( configuration_ )
+        return;
+    std::string lines;
+    for ( const pb::String &problem : items( problems, pbStringFrom ) )
+        lines += ( lines.empty() ? "" : "\n" ) + pb::utf8( problem );
+    throw Failure{ Exit::Configuration, lines.empty() ? name + ": error: the file cannot be used" : lines };
+}
+
+Configuration::~Configuration()
+{
+    if ( started_ )
+        csConfigurationStop( configuration_.get() );
+}
+
+void Configuration::start()
+{
+    csConfigurationStart( configuration_.get() );
+    started_ = true;
+}
+
+std::vector<Configuration::Object> Configuration::objects() const
+{
+    const struct csConfiguration *configuration = configuration_.get();
+    std::vector<Object> result;
+    for ( pbInt i = 0; i < csConfigurationLength( configuration ); ++i )
+        result.push_back( { pb::utf8( pb::adopt( csConfigurationNameAt( configuration, i ) ) ),
+                            pb::utf8( pb::adopt( csConfigurationSortNameAt( configuration, i ) ) ),
+                            pb::adopt( csConfigurationObjectAt( configuration, i ) ),
+                            pb::adopt( csConfigurationStatusAt( configuration, i ) ) } );
+    return result;
+}
+
+pb::Ref<struct pbObj> Configuration::object( const std::string &name, const struct pbSort *sort ) const
+{
+    if ( auto found = pb::adopt( csConfigurationObject( configuration_.get(), pb::string( name ).get(), sort ) ) )
+        return found;
+    std::vector<std::string> names;
+    for ( const Object &object : objects() )
+        if ( object.sort == pbSortName( sort ) )
+            names.push_back( object.name );
+    throw Failure{ Exit::No, fmt::format( "no {} is named {}{}", pbSortName( sort ), name, suggestion( name, names ) ) };
+}
+
+} // namespace inctl

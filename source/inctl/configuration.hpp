@@ -1,0 +1,47 @@
+// Configuration: a configuration file, loaded and checked at construction, its objects alive between start and destruction.
+#ifndef INCTL_CONFIGURATION_HPP
+#define INCTL_CONFIGURATION_HPP
+
+#include "cs/cs_configuration.h"
+#include "cs/cs_status_reporter.h"
+#include "pb/pb_string.hpp"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace inctl {
+
+class Configuration {
+public:
+    // Needs a running Host. Throws Failure (configuration) with every problem on a line of its own; nothing is started.
+    explicit Configuration( const std::string &path );
+    // From memory; name stands for the file in messages.
+    Configuration( std::string_view text, const std::string &name );
+    ~Configuration();
+    Configuration( const Configuration & ) = delete;
+    Configuration &operator=( const Configuration & ) = delete;
+
+    void start();
+
+    struct Object {
+        std::string name;
+        std::string sort;
+        pb::Ref<struct pbObj> object;             // null before start
+        pb::Ref<struct csStatusReporter> status;  // null for sorts that report nothing
+    };
+    // In the order of the file.
+    std::vector<Object> objects() const;
+    // The object of that name, which must be of that sort. Throws Failure with the names there are.
+    pb::Ref<struct pbObj> object( const std::string &name, const struct pbSort *sort ) const;
+
+private:
+    void accept( struct csConfiguration *loaded, const pb::Ref<struct pbVector> &problems, const std::string &name );
+
+    pb::Ref<struct csConfiguration> configuration_;
+    bool started_ = false;
+};
+
+} // namespace inctl
+
+#endif

@@ -1,0 +1,43 @@
+// The options that say on which stack a command sends or receives, and the stack that they choose.
+#ifndef INCTL_STACK_CHOICE_HPP
+#define INCTL_STACK_CHOICE_HPP
+
+#include "inctl/configuration.hpp"
+
+#include "in/base/in_stack.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <string>
+
+struct inAddress;
+
+namespace inctl {
+
+struct StackChoice {
+    std::string fromStack; // FILE:OBJECT
+    std::string interface;
+    std::string address;
+    std::string ports;     // FIRST-LAST
+};
+
+void addStackOptions( CLI::App &command, StackChoice &choice );
+
+// The stack lives as long as this does; its Host outlives both.
+class ChosenStack {
+public:
+    // A peer narrows what the options leave open: the stack takes its version, and loopback for a loopback peer. Throws
+    // Failure.
+    ChosenStack( const StackChoice &choice, const struct inAddress *optionalPeer );
+
+    struct inStack *get() const { return stack_.get(); }
+
+private:
+    std::unique_ptr<Configuration> configuration_; // of fromStack
+    pb::Ref<struct inStack> stack_;
+};
+
+} // namespace inctl
+
+#endif

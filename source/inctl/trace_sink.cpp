@@ -1,0 +1,132 @@
+// TraceSink: the listener of the trace system behind an asynchronous logger.
+#include "inctl/trace_sink.hpp"
+
+#include "inctl/exit_code.hpp"
+#include "inctl/preview.hpp"
+#include "inctl/record.hpp"
+
+#include "cs/cs_json.h"
+#include "pb/pb_buffer.h"
+#include "pb/pb_string.hpp"
+#include "tr/tr_system.h"
+
+#include <fmt/chrono.h>
+#include <spdlog/async.h>
+#include <spdlog/async_logger.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <chrono>
+
+namespace inctl {
+namespace {
+
+// Lines that wait for the writing thread; beyond it the oldest are given up, and counted.
+constexpr size_t queuedLines = 16384;
+
+constexpr const char *kindNames[] = { "created", "released", "text", "message", "property", "configuration", "notable", "linked" };
+
+std::string timeText( pbInt nanoseconds )
+{
+    return fmt::format( "{:%Y-%m-%dT%H:%M:%S}.{:06}Z", fmt::gmtime( static_cast<time_t>( nanoseconds / 1'000'000'000 ) ),
+                        nanoseconds % 1'000'000'000 / 1000 );
+}
+
+std::string json( const struct pbStore *store )
+{
+    return pb::utf8( pb::adopt( csJsonFromStore( store, CS_JSON_SHORT ) ) );
+}
+
+std::string jsonLine( const struct trEvent &event )
+{
+    Record record;
+    record.set( "time", timeText( event.time ) ).set( "event", kindNames[event.kind] ).set( "stream", event.stream );
+    const std::pair<const char *, const struct pbString *> texts[] = {
+        { "name", event.name }, { "text", event.text }, { "key", event.key }, { "value", event.value } };
+    for ( const auto &[key, text] : texts )
+        if ( text )
+            record.set( key, pb::share( text ) );
+    if ( event.store )
+        record.set( "store", pb::share( event.store ) );
+    if ( event.payload )
+        record.set( "payload", hexadecimal( event.payload ) );
+    if ( event.kind == TR_EVENT_LINKED )
+        record.set( "kind", event.anchorKind ).set( "other", event.other );
+    return json( record.store() );
+}
+
+} // namespace
+
+std::string traceText( const struct trEvent &event )
+{
+    switch ( event.kind ) {
+    case TR_EVENT_TEXT:
+        return pb::utf8( event.text );
+    case TR_EVENT_MESSAGE:
+        return fmt::format( "{}  {}", pb::utf8( event.text ), event.payload ? preview( event.payload ) : "" );
+    case TR_EVENT_PROPERTY:
+        return fmt::format( "{} = {}", pb::utf8( event.key ), event.value   ? pb::utf8( event.value )
+                                                              : event.store ? json( event.store )
+                                                                            : "(gone)" );
+    case TR_EVENT_CONFIGURATION:
+        return fmt::format( "configuration {}", event.store ? json( event.store ) : "{}" );
+    case TR_EVENT_NOTABLE:
+        return fmt::format( "notable {}", event.value ? pb::utf8( event.value ) : "" );
+    case TR_EVENT_LINKED:
+        return fmt::format( "linked to #{}{}", event.other, event.text ? " as " + pb::utf8( event.text ) : "" );
+    default:
+        return kindNames[event.kind];
+    }
+}
+
+void addTraceOptions( CLI::App &command, TraceChoice &choice )
+{
+    command.add_flag( "--trace{-}", choice.target, "Trace to standard error, or --trace=FILE" );
+    command.add_option( "--trace-format", choice.format, "text or json (an object a line)" )
+        ->check( CLI::IsMember( { "text", "json" } ) );
+    command.add_flag( "--trace-packets", choice.packets, "Trace every datagram with its bytes too" );
+}
+
+TraceSink::TraceSink( const TraceChoice &choice ) : json_( choice.format == "json" )
+{
+    std::shared_ptr<spdlog::sinks::sink> sink;
+    try {
+        if ( choice.target == "-" )
+            sink = std::make_shared<spdlog::sinks::stderr_sink_st>();
+        else
+            sink = std::make_shared<spdlog::sinks::basic_file_sink_st>( choice.target );
+        thread_ = std::make_shared<spdlog::details::thread_pool>( queuedLines, 1 );
+    } catch ( const spdlog::spdlog_ex &error ) {
+        throw Failure{ Exit::System, fmt::format( "--trace: {}", error.what() ) };
+    }
+    sink->set_pattern( "%v" );
+    logger_ = std::make_shared<spdlog::async_logger>( "trace", std::move( sink ), thread_,
+                                                      spdlog::async_overflow_policy::overrun_oldest );
+    // A full disk must not end the server; what is lost is lost.
+    logger_->set_error_handler( []( const std::string & ) {} );
+    trSystemSetListener( listen, this );
+    trSystemSetAcceptsHighVolumeMessages( choice.packets );
+}
+
+TraceSink::~TraceSink()
+{
+    trSystemSetAcceptsHighVolumeMessages( 0 );
+    trSystemSetListener( nullptr, nullptr );
+    const size_t lost = thread_->overrun_counter();
+    logger_->flush();
+    logger_.reset();
+    thread_.reset(); // writes the rest
+    if ( lost > 0 )
+        fmt::print( stderr, "inctl: {} trace lines came too fast and are not in the trace\n", lost );
+}
+
+void TraceSink::listen( const struct trEvent *event, void *context )
+{
+    TraceSink &sink = *static_cast<TraceSink *>( context );
+    const std::string line = sink.json_ ? jsonLine( *event )
+                                        : fmt::format( "{} {}#{}  {}", timeText( event->time ), pb::utf8( event->name ),
+                                                       event->stream, traceText( *event ) );
+    sink.logger_->log( spdlog::level::info, spdlog::string_view_t( line ) );
+}
+
+} // namespace inctl
