@@ -40,9 +40,9 @@ PB_API struct pbString *pbHostToString( const struct pbHost *obj );
 PB_API pbInt pbHostCompare( const struct pbHost *a, const struct pbHost *b );
 PB_API pbBool pbHostEquals( const struct pbHost *a, const struct pbHost *b );
 
-// Starts the modules so that each comes after those that it requires, once per process. Null, and the reason in
-// *optionalReason (null or a reference, which it replaces), when a required module is missing, requirements are circular or a start-up refuses; what had
-// started is then shut down again.
+// Starts the modules so that each comes after those that it requires, once per process. Null when a required module is
+// missing, requirements are circular or a start-up refuses; what had started is then shut down again, and the reason is
+// in *optionalReason (null or a reference, which it replaces).
 PB_API struct pbHost *pbHostTryStart( const struct pbModule *const *modules, pbInt moduleCount,
                                       struct pbString **optionalReason );
 // Phase one of every module in reverse order, then phase two of every module in reverse order; once, by one thread.
