@@ -93,7 +93,12 @@ public:
             scenario();
         } );
     }
-    bool scenario( const std::function<void()> &steps ) const { return start( steps ).wait(); }
+    // The same, awaited; its failures are the test's.
+    void scenario( const std::function<void()> &steps ) const
+    {
+        if ( !start( steps ).wait() )
+            ADD_FAILURE() << "the scenario failed, see above, or did not come to its end";
+    }
 
     // Runs a shell command inside; one that fails is an exception.
     void run( const std::string &command ) const
