@@ -1,0 +1,204 @@
+// Dictionaries against std::map, priority maps and range maps.
+#include "pb/pb_dict.h"
+#include "pb/pb_boxed_bool.h"
+#include "pb/pb_boxed_int.h"
+#include "pb/pb_priority_map.h"
+#include "pb/pb_range_map.h"
+#include "pb/pb_string.hpp"
+#include "pb/pb_vector.h"
+#include "support/death_table.hpp"
+
+#include <algorithm>
+#include <map>
+#include <random>
+
+PB_SORT_DECLARE( test___sort_READER )
+
+namespace {
+
+// Reads the dictionary that drops it.
+struct Reader final : pb::Object<Reader, test___sort_READER> {
+    pbDict *const *dict;
+    std::vector<pbInt> *lengths;
+
+    Reader( pbDict *const *dict, std::vector<pbInt> *lengths ) : dict( dict ), lengths( lengths ) {}
+    ~Reader() { lengths->push_back( pb::adopt( pbDictValuesVector( *dict ) ) ? pbDictLength( *dict ) : -1 ); }
+};
+
+} // namespace
+
+constinit const struct pbSort test___sort_READER = pb::detail::makeSort<Reader>( "READER" );
+
+namespace {
+
+using Model = std::map<pbInt, pbInt>;
+
+pb::Ref<pbObj> boxed( pbInt value ) { return pb::adopt( pbBoxedIntObj( pbBoxedIntCreate( value ) ) ); }
+pbInt unboxed( pb::Ref<pbObj> obj ) { return obj ? pbBoxedIntValue( pbBoxedIntFrom( obj.get() ) ) : -1; }
+pb::Ref<pbObj> text( const char *utf8 ) { return pb::share( pbStringObj( pb::string( utf8 ).get() ) ); }
+
+Model contents( const pb::Ref<pbDict> &dict )
+{
+    Model model;
+    pbInt before = -1;
+    for ( pbInt i = 0; i < pbDictLength( dict.get() ); ++i ) {
+        const pbInt key = unboxed( pb::adopt( pbDictKeyAt( dict.get(), i ) ) );
+        EXPECT_LT( before, key );
+        before = key;
+        const pb::Ref<pbObj> value = pb::adopt( pbDictValueAt( dict.get(), i ) );
+        EXPECT_TRUE( pbObjEquals( value.get(), pb::adopt( pbDictIntKey( dict.get(), key ) ).get() ) );
+        model[key] = unboxed( value );
+    }
+    return model;
+}
+
+TEST( DictDeathTest, Preconditions )
+{
+    static pb::Ref<pbDict> dict = pb::adopt( pbDictCreate() ), none;
+    static pb::Ref<pbRangeMap> ranges = pb::adopt( pbRangeMapCreate() );
+    static pb::Ref<pbPriorityMap> priorities = pb::adopt( pbPriorityMapCreate() );
+    support::expectDeaths( { { [] { pbDictSetIntKey( none.address(), 1, boxed( 1 ).get() ); }, "*dict" },
+                             { [] { pbDictSetIntKey( dict.address(), 1, nullptr ); }, "value" },
+                             { [] { pbDictStringKey( dict.get(), nullptr ); }, "key" },
+                             { [] { pbDictKeyAt( dict.get(), 0 ); }, "index >= 0 && index < pbDictLength( dict )" },
+                             { [] { pbDictDelAt( dict.address(), -1 ); }, "index >= 0 && index < pbDictLength( *dict )" },
+                             { [] { pbRangeMapSet( ranges.address(), 2, 1, boxed( 1 ).get() ); }, "first <= last" },
+                             { [] { pbPriorityMapKeyAt( priorities.get(), 0 ); },
+                               "index >= 0 && index < pbPriorityMapLength( map )" } } );
+}
+
+// Grows far beyond one leaf and shrinks to nothing, in ascending, descending and random order, while copies that were
+// taken on the way stay what they were.
+TEST( Dict, HoldsWhatAMapHoldsThroughGrowthAndShrinking )
+{
+    constexpr pbInt count = 2000;
+    std::mt19937 random( 17 );
+    const std::function<pbInt( pbInt )> orders[] = { []( pbInt i ) { return i; }, []( pbInt i ) { return count - 1 - i; },
+                                                     [&]( pbInt ) { return random() % count; } };
+    for ( const auto &order : orders ) {
+        auto dict = pb::adopt( pbDictCreate() );
+        Model model;
+        std::vector<std::pair<pb::Ref<pbDict>, Model>> copies;
+        for ( pbInt i = 0; i < 2 * count; ++i ) {
+            const pbInt key = order( i % count );
+            const auto there = model.find( key );
+            if ( i < count )
+                pbDictSetIntKey( dict.address(), key, boxed( model[key] = i ).get() );
+            else if ( i % 2 || there == model.end() )
+                pbDictDelIntKey( dict.address(), key );
+            else
+                pbDictDelAt( dict.address(), std::distance( model.begin(), there ) );
+            if ( i >= count )
+                model.erase( key );
+            ASSERT_EQ( pbDictLength( dict.get() ), static_cast<pbInt>( model.size() ) );
+            if ( i % 500 == 250 )
+                copies.emplace_back( dict, model );
+        }
+        for ( const auto &[copy, then] : copies )
+            EXPECT_EQ( contents( copy ), then );
+        EXPECT_EQ( contents( dict ), model );
+    }
+}
+
+TEST( Dict, ComparesContents )
+{
+    // ascending
+    const Model table[] = { {}, { { 1, 1 } }, { { 1, 1 }, { 2, 9 } }, { { 1, 1 }, { 3, 1 } }, { { 1, 2 }, { 3, 0 } }, { { 2, 0 } } };
+    std::vector<pb::Ref<pbDict>> dicts;
+    for ( const Model &model : table ) {
+        auto &dict = dicts.emplace_back( pb::adopt( pbDictCreate() ) );
+        for ( const auto &[key, value] : model ) {
+            pbDictSetIntKey( dict.address(), key, boxed( -1 ).get() );
+            pbDictSetIntKey( dict.address(), key, boxed( value ).get() ); // one entry, the new value
+        }
+    }
+    for ( size_t a = 0; a < dicts.size(); ++a )
+        for ( size_t b = 0; b < dicts.size(); ++b )
+            EXPECT_EQ( pbDictCompare( dicts[a].get(), dicts[b].get() ), ( a > b ) - ( a < b ) ) << a << " " << b;
+}
+
+TEST( Dict, KeysOfAllSortsLieSideBySide )
+{
+    auto dict = pb::adopt( pbDictCreate() );
+    const pb::Ref<pbObj> keys[] = { pb::adopt( pbBoxedBoolObj( pbBoxedBoolCreate( true ) ) ), boxed( -5 ), boxed( 7 ), text( "7" ),
+                                    text( "eth0" ), text( "eth10" ) };
+    for ( size_t i = std::size( keys ); i-- > 0; )
+        pbDictSetObjKey( dict.address(), keys[i].get(), keys[i].get() );
+    const auto inOrder = pb::adopt( pbDictKeysVector( dict.get() ) );
+    for ( size_t i = 0; i < std::size( keys ); ++i )
+        EXPECT_TRUE( pbObjEquals( pb::adopt( pbVectorObjAt( inOrder.get(), static_cast<pbInt>( i ) ) ).get(), keys[i].get() ) );
+    EXPECT_EQ( unboxed( pb::adopt( pbDictIntKey( dict.get(), 7 ) ) ), 7 );
+    EXPECT_FALSE( pb::adopt( pbDictStringKey( dict.get(), pb::string( "eth1" ).get() ) ) );
+    pbDictDelStringKey( dict.address(), pb::string( "7" ).get() );
+    EXPECT_EQ( pbDictLength( dict.get() ), 5 );
+    EXPECT_TRUE( pbDictHasObjKey( dict.get(), keys[2].get() ) );
+}
+
+TEST( Dict, IsWholeWhenItDropsAValue )
+{
+    auto dict = pb::adopt( pbDictCreate() );
+    std::vector<pbInt> lengths;
+    for ( pbInt key = 0; key < 300; ++key )
+        pbDictSetIntKey( dict.address(), key, pb::make<Reader>( dict.address(), &lengths ).get() );
+    pbDictSetIntKey( dict.address(), 5, boxed( 5 ).get() );
+    pbDictDelIntKey( dict.address(), 64 );
+    while ( pbDictLength( dict.get() ) > 2 )
+        pbDictDelAt( dict.address(), 2 );
+    std::vector<pbInt> expected{ 300 };
+    for ( pbInt length = 299; length >= 2; --length )
+        expected.push_back( length );
+    expected.erase( std::find( expected.begin(), expected.end(), 295 ) ); // the replaced value was no reader
+    EXPECT_EQ( lengths, expected );
+    pbDictDelAt( dict.address(), 0 );
+    pbDictDelAt( dict.address(), 0 );
+    EXPECT_EQ( pbDictLength( dict.get() ), 0 );
+}
+
+TEST( PriorityMap, OrdersByPriorityThenByTimeOfSetting )
+{
+    auto map = pb::adopt( pbPriorityMapCreate() );
+    const struct {
+        pbInt key, priority; // priority -1: delete
+        const char *order;
+    } steps[] = { { 1, 20, "1" }, { 2, 10, "21" }, { 3, 20, "213" }, { 1, 20, "231" }, { 2, 30, "312" },
+                  { 9, -1, "312" }, { 1, -1, "32" }, { 3, 0, "32" } };
+    for ( const auto &[key, priority, order] : steps ) {
+        const auto before = map;
+        if ( priority < 0 )
+            pbPriorityMapDel( map.address(), boxed( key ).get() );
+        else
+            pbPriorityMapSet( map.address(), boxed( key ).get(), priority );
+        std::string keys;
+        for ( pbInt i = 0; i < pbPriorityMapLength( map.get() ); ++i )
+            keys += std::to_string( unboxed( pb::adopt( pbPriorityMapKeyAt( map.get(), i ) ) ) );
+        EXPECT_EQ( keys, order );
+        EXPECT_EQ( pbPriorityMapEquals( before.get(), map.get() ), key == 9 );
+    }
+    EXPECT_EQ( pbPriorityMapPriorityAt( map.get(), 1 ), 30 );
+    // The key given may be the map's own only one.
+    pbPriorityMapSet( map.address(), pb::adopt( pbPriorityMapKeyAt( map.get(), 0 ) ).get(), 40 );
+    EXPECT_EQ( pbPriorityMapPriorityAt( map.get(), 1 ), 40 );
+}
+
+TEST( RangeMap, ReplacesWhatItOverlaps )
+{
+    auto map = pb::adopt( pbRangeMapCreate() );
+    const struct {
+        pbInt first, last;
+        const char *values; // of the keys 0..9, "." for none
+    } steps[] = { { 2, 4, "..000....." }, { 6, 8, "..000.111." }, { 3, 3, "..020.111." }, { 4, 6, "..0233311." },
+                  { 0, 9, "4444444444" }, { 9, PB_INT_MAX, "4444444445" }, { PB_INT_MIN, 0, "6444444445" } };
+    for ( pbInt i = 0; i < static_cast<pbInt>( std::size( steps ) ); ++i ) {
+        pbRangeMapSet( map.address(), steps[i].first, steps[i].last, boxed( i ).get() );
+        std::string values;
+        for ( pbInt key = 0; key < 10; ++key ) {
+            const auto value = pb::adopt( pbRangeMapValue( map.get(), key ) );
+            values += value ? std::to_string( unboxed( value ) ) : ".";
+        }
+        EXPECT_EQ( values, steps[i].values );
+    }
+    EXPECT_EQ( unboxed( pb::adopt( pbRangeMapValue( map.get(), PB_INT_MIN ) ) ), 6 );
+    EXPECT_EQ( unboxed( pb::adopt( pbRangeMapValue( map.get(), PB_INT_MAX ) ) ), 5 );
+}
+
+} // namespace
