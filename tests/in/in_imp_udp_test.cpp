@@ -236,7 +236,7 @@ TEST_F( ImpUdpDeathTest, Preconditions )
         { [&] { in___ImpUdpChannelSendBytes( channel.get(), remote.get(), "", -1 ); }, "byteCount >= 0" },
         { [] { in___ImpUdpChannelShutdown(); }, "channelArray[i] == NULL" },
     };
-    GTEST_FLAG_SET( death_test_style, "threadsafe" ); // the I/O thread has to be there when it is joined
+    GTEST_FLAG_SET( death_test_style, "threadsafe" ); // a mere fork would have no I/O thread
     for ( const Row &row : rows )
         EXPECT_DEATH( row.call(), testing::HasSubstr( std::string( ": " ) + row.text + "\n" ) );
 }
