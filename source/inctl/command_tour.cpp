@@ -176,13 +176,24 @@ private:
     Waiter waiter_;
 };
 
+// At most so many bytes, cut between characters.
+std::string shortened( const std::string &text, size_t bytes )
+{
+    if ( text.size() <= bytes )
+        return text;
+    size_t end = bytes - 3;
+    while ( end > 0 && ( text[end] & 0xC0 ) == 0x80 )
+        --end;
+    return text.substr( 0, end ) + "...";
+}
+
 void showTraces( Output &output, const TraceCatcher &catcher, Record &record )
 {
     output.line( fmt::format( "\n{}", output.paint( Paint::Strong, fmt::format( "What it traced, {} events; among them",
                                                                                 catcher.count() ) ) ) );
     Record list;
     for ( const TraceCatcher::Caught &caught : catcher.handful( traceLines ) ) {
-        const std::string text = caught.text.size() > 110 ? caught.text.substr( 0, 107 ) + "..." : caught.text;
+        const std::string text = shortened( caught.text, 110 );
         output.line( fmt::format( "{}  {}", output.paint( Paint::Faint, fmt::format( "{}#{}", caught.name, caught.stream ) ),
                                   text ) );
         list.append( Record().set( "name", caught.name ).set( "stream", caught.stream ).set( "text", caught.text ) );

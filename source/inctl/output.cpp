@@ -1,7 +1,7 @@
 // Output: lines, JSON, colour and the times in front of lines.
 #include "inctl/output.hpp"
 
-#include "cs/cs_json.h"
+#include "inctl/record_keys.hpp"
 
 #include <fmt/chrono.h>
 
@@ -72,8 +72,7 @@ void Output::line( std::string_view text )
 void Output::record( const Record &record )
 {
     if ( json() )
-        write( pb::utf8( pb::adopt(
-            csJsonFromStore( record.store(), form == Form::JsonPretty ? CS_JSON_PRETTY : CS_JSON_SHORT ) ) ) );
+        write( jsonText( record, form == Form::JsonPretty ? CS_JSON_PRETTY : CS_JSON_SHORT ) );
 }
 
 void Output::failure( const Failure &failure )

@@ -3,9 +3,8 @@
 
 #include "inctl/exit_code.hpp"
 #include "inctl/preview.hpp"
-#include "inctl/record.hpp"
+#include "inctl/record_keys.hpp"
 
-#include "cs/cs_json.h"
 #include "pb/pb_buffer.h"
 #include "pb/pb_string.hpp"
 #include "tr/tr_system.h"
@@ -52,7 +51,7 @@ std::string jsonLine( const struct trEvent &event )
         record.set( "payload", hexadecimal( event.payload ) );
     if ( event.kind == TR_EVENT_LINKED )
         record.set( "kind", event.anchorKind ).set( "other", event.other );
-    return json( record.store() );
+    return jsonText( record, CS_JSON_SHORT );
 }
 
 } // namespace

@@ -1,0 +1,53 @@
+// The kinds of the keys that inctl's records hold. Keys that are missing here are shown by what their text looks like.
+#include "inctl/record_keys.hpp"
+
+#include "cs/cs_key.h"
+
+namespace inctl {
+namespace {
+
+constexpr csKey text( const char *key ) { return { key, CS_KEY_TEXT, nullptr, 0, 0, nullptr, nullptr, 0 }; }
+template <size_t Count> constexpr csKey store( const char *key, const csKey ( &keys )[Count] )
+{
+    return { key, CS_KEY_STORE, nullptr, 0, 0, nullptr, keys, Count };
+}
+constexpr csKey array( const char *key, const csKey &entry ) { return { key, CS_KEY_ARRAY, nullptr, 0, 0, nullptr, &entry, 1 }; }
+
+constexpr csKey anyText = text( "" );
+
+constexpr csKey macKeys[] = { text( "type" ), text( "mac" ) };
+constexpr csKey macEntry = store( "", macKeys );
+constexpr csKey stateKeys[] = { text( "displayName" ), array( "layer2Addresses", macEntry ),
+                                array( "layer3UnicastAddresses", anyText ), array( "layer3Networks", anyText ) };
+constexpr csKey interfaceKeys[] = { text( "identifier" ), store( "state", stateKeys ) };
+constexpr csKey interfaceEntry = store( "", interfaceKeys );
+
+constexpr csKey moduleKeys[] = { text( "name" ), text( "version" ), text( "description" ) };
+constexpr csKey moduleEntry = store( "", moduleKeys );
+constexpr csKey objectKeys[] = { text( "name" ), text( "sort" ), text( "interface" ) };
+constexpr csKey objectEntry = store( "", objectKeys );
+constexpr csKey traceKeys[] = { text( "name" ), text( "text" ) };
+constexpr csKey traceEntry = store( "", traceKeys );
+
+// Of all records together: a key means the same in each.
+constexpr csKey recordKeys[] = {
+    text( "error" ),        text( "name" ),           text( "version" ),
+    text( "description" ),  text( "productName" ),    text( "productVersion" ),
+    text( "identifier" ),   text( "sort" ),           text( "text" ),
+    text( "key" ),          text( "value" ),          text( "payload" ),
+    store( "state", stateKeys ),
+    array( "interfaces", interfaceEntry ),
+    array( "modules", moduleEntry ),
+    array( "objects", objectEntry ),
+    array( "traces", traceEntry ),
+    array( "dnsServers", anyText ),
+};
+
+} // namespace
+
+std::string jsonText( const Record &record, pbInt style )
+{
+    return pb::utf8( pb::adopt( csJsonFromStoreWithKeys( record.store(), style, recordKeys, PB_SIZEOF_ARRAY( recordKeys ) ) ) );
+}
+
+} // namespace inctl

@@ -1,0 +1,19 @@
+// The kinds of the keys that inctl's records hold, so that JSON shows them right: texts that look like numbers as texts,
+// empty lists as lists.
+#ifndef INCTL_RECORD_KEYS_HPP
+#define INCTL_RECORD_KEYS_HPP
+
+#include "inctl/record.hpp"
+
+#include "cs/cs_json.h"
+
+#include <string>
+
+namespace inctl {
+
+// style: CS_JSON_SHORT or CS_JSON_PRETTY
+std::string jsonText( const Record &record, pbInt style );
+
+} // namespace inctl
+
+#endif

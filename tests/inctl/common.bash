@@ -1,0 +1,65 @@
+# What the tests of inctl share. INCTL is the program, EXAMPLES the folder of example configurations.
+
+setup() {
+    : "${INCTL:?the program to test}" "${EXAMPLES:?the folder of examples}"
+    export NO_COLOR=1 LC_ALL=C.UTF-8
+    started=""
+}
+
+teardown() {
+    if [ -n "$started" ] && kill -0 "$started" 2>/dev/null; then
+        kill -KILL "$started"
+        wait "$started" || true
+    fi
+}
+
+# expect CODE PATTERN ARGUMENTS...: runs the program; its exit code and a regular expression that its output holds.
+expect() {
+    local code=$1 pattern=$2
+    shift 2
+    run "$INCTL" "$@"
+    if [ "$status" -ne "$code" ] || ! grep -Eq -- "$pattern" <<<"$output"; then
+        printf 'inctl %s\nexpected %s with: %s\ngot %s with:\n%s\n' "$*" "$code" "$pattern" "$status" "$output"
+        return 1
+    fi
+}
+
+# expect_json CODE FILTER ARGUMENTS...: standard output is JSON, of which the filter holds for the objects together.
+expect_json() {
+    local code=$1 filter=$2 got=0
+    shift 2
+    "$INCTL" "$@" >"$BATS_TEST_TMPDIR/json" 2>/dev/null || got=$?
+    if [ "$got" -ne "$code" ] || ! jq -e . "$BATS_TEST_TMPDIR/json" >/dev/null \
+        || ! jq -es "$filter" "$BATS_TEST_TMPDIR/json" >/dev/null; then
+        printf 'inctl %s\nexpected %s with: %s\ngot %s with:\n' "$*" "$code" "$filter" "$got"
+        cat "$BATS_TEST_TMPDIR/json"
+        return 1
+    fi
+}
+
+# start ARGUMENTS...: runs the program beside the test, its output in $log.
+start() {
+    log="$BATS_TEST_TMPDIR/log"
+    : >"$log"
+    "$INCTL" "$@" >"$log" 2>&1 3>&- &
+    started=$!
+}
+
+# await PATTERN: returns when the program that was started has printed it; fails when the program ends before.
+await() {
+    grep -Eqm1 -- "$1" <(tail --pid="$started" -n +1 -f "$log" 2>/dev/null) || { cat "$log"; return 1; }
+}
+
+# finish SIGNAL CODE: ends the program that was started.
+finish() {
+    local got=0
+    if [ -n "$1" ]; then kill "-$1" "$started"; fi
+    wait "$started" || got=$?
+    started=""
+    [ "$got" -eq "$2" ] || { echo "exit code $got"; cat "$log"; return 1; }
+}
+
+# The endpoint that a receiver has said it listens on.
+endpoint() {
+    sed -n 's/^Listening on \([^ ]*\).*/\1/p' "$log" | head -n "${1:-1}" | tail -n 1
+}

@@ -1,0 +1,66 @@
+#!/usr/bin/env bats
+# Configurations: refused whole, or live until a signal; and the tour.
+
+load common
+
+# refused TEXT PATTERN...: the configuration is refused, its lines match the patterns one by one, nothing is started.
+refused() {
+    local file="$BATS_TEST_TMPDIR/bad.json"
+    printf '%s' "$1" >"$file"
+    shift
+    run "$INCTL" run "$file" --for 0
+    local i=0
+    for pattern in "$@"; do
+        if [ "$status" -ne 3 ] || ! grep -Eq "^$file:$pattern" <<<"${lines[$i]}"; then
+            printf 'expected line %s: %s\ngot %s with:\n%s\n' "$i" "$pattern" "$status" "$output"
+            return 1
+        fi
+        i=$((i + 1))
+    done
+    [ "${#lines[@]}" -eq "$i" ]
+}
+
+@test "a bad configuration names every place, and nothing starts" {
+    refused '{"objects": {' '1:14: error: '
+    refused $'{"objects": {\n  "a": {"sort": "IN_STACK", "config": {}},\n  "a": {"sort": "IN_STACK", "config": {}}\n}}' '3:[0-9]+: error: .*a'
+    refused $'{"objects": {\n  "a": {"sort": "IN_STAK", "config": {}}\n}}' '2:[0-9]+: error: a.*IN_STAK'
+    refused $'{"objects": {"a": {"sort": "IN_STACK", "config": {\n  "adress": "10.0.0.1",\n  "addressVersion": "IN_ADDRESS_VERSION_5",\n  "udpOptions": {"portRange": {"firstPort": 0, "count": 10}}\n}}}}' \
+        '2:3: error: a\.adress: ' '3:[0-9]+: error: a\.addressVersion: ' '4:[0-9]+: error: a\.udpOptions\.portRange\.firstPort: '
+    run "$INCTL" run "$BATS_TEST_TMPDIR/none.json"
+    [ "$status" -eq 3 ]
+}
+
+@test "the examples run and end on SIGINT, SIGTERM and by time" {
+    for signal in INT TERM; do
+        start run "$EXAMPLES/sip.json"
+        await 'maintenance +IN_STACK +up +inStackAddress='
+        finish "$signal" 0
+        grep -Eq 'media-qos +IN_QOS_STACK +ready' "$log"
+        grep -Eq '  ending after' "$log"
+    done
+    expect_json 0 '(map(select(.event == "status")) | length) == 3
+                   and any(.[]; .name == "loopback" and .up and .items.inStackAddress == "127.0.0.1")' \
+        run "$EXAMPLES/tour.json" --for 0.1 --json
+}
+
+@test "traces go to a file, as text or JSON" {
+    local trace="$BATS_TEST_TMPDIR/trace"
+    expect 0 ending run "$EXAMPLES/tour.json" --for 0 --trace="$trace.json" --trace-format json
+    jq -es 'any(.[]; .name == "IN_STACK" and .event == "property" or .event == "configuration")' "$trace.json"
+    expect 0 ending run "$EXAMPLES/tour.json" --for 0 --trace="$trace.txt"
+    grep -Eq '^[0-9T:.-]+Z IN_STACK#[0-9]+  \[in___StackImpHalt\(\)\]' "$trace.txt"
+    expect 0 'IN_STACK#' run "$EXAMPLES/tour.json" --for 0 --trace
+    expect 5 'trace' run "$EXAMPLES/tour.json" --for 0 --trace="$BATS_TEST_TMPDIR"
+}
+
+@test "the tour shows the main job, also where there is only loopback" {
+    local filter='.[0] | .exchange.sent == 10000 and .exchange.lost == 0
+        and .marking.receivedLayer3Tos == 184 and .marking.socketLayer3Tos == 184 and .marking.socketLayer2Pcp == 5
+        and .rtpUdpAddress.port % 2 == 0 and (.traces | length) > 3'
+    expect_json 0 "$filter" tour --json
+    expect 0 'is closed, every thread has ended' tour "$EXAMPLES/tour.json"
+    if [ "$(id -u)" -eq 0 ]; then
+        run unshare --net sh -c 'ip link set lo up && exec "$0" tour' "$INCTL"
+        [ "$status" -eq 0 ] || { echo "$output"; return 1; }
+    fi
+}
