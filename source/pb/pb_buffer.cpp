@@ -32,7 +32,8 @@ struct pbBuffer final : pb::Object<struct pbBuffer, pb___sort_PB_BUFFER> {
 
     std::strong_ordering operator<=>( const pbBuffer &other ) const
     {
-        const int order = std::memcmp( bytes(), other.bytes(), static_cast<size_t>( std::min( length, other.length ) ) );
+        const auto common = static_cast<size_t>( std::min( length, other.length ) );
+        const int order = std::memcmp( bytes(), other.bytes(), common );
         return order ? order <=> 0 : bits() <=> other.bits();
     }
     bool operator==( const pbBuffer &other ) const { return ( *this <=> other ) == 0; }
@@ -45,7 +46,7 @@ namespace {
 using Buffer = pb::Ref<struct pbBuffer>;
 
 // An empty buffer with room for at least count bytes; blocks end on the allocator's granularity.
-Buffer allocate( pbInt count )
+[[gnu::always_inline]] inline Buffer allocate( pbInt count )
 {
     constexpr pbInt header = sizeof( pbBuffer );
     constexpr pbInt granularity = 32;
@@ -127,10 +128,12 @@ struct pbBuffer *pbBufferCreateFrom( const struct pbBuffer *source )
 struct pbBuffer *pbBufferCreateFromBytes( const void *bytes, pbInt count )
 {
     PB_ASSERT( bytes || count == 0 );
-    pbBuffer *buffer = pbBufferCreateUninitialized( count );
+    PB_ASSERT( count >= 0 && count <= PB_INT_MAX / 8 );
+    Buffer buffer = allocate( count );
+    buffer->length = count;
     if ( count )
         std::memcpy( buffer->block(), bytes, static_cast<size_t>( count ) );
-    return buffer;
+    return buffer.release();
 }
 
 struct pbBuffer *pbBufferCreateUninitialized( pbInt count )

@@ -10,7 +10,8 @@ namespace {
 
 std::string_view viewOf( const struct pbBuffer *buffer )
 {
-    return { reinterpret_cast<const char *>( pbBufferBacking( buffer ) ), static_cast<size_t>( pbBufferLength( buffer ) ) };
+    return { reinterpret_cast<const char *>( pbBufferBacking( buffer ) ),
+             static_cast<size_t>( pbBufferLength( buffer ) ) };
 }
 
 pb::String convertAscii( std::string_view bytes, bool replace )

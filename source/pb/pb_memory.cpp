@@ -44,9 +44,10 @@ struct ThreadState {
     enum { untouched, alive, ended } phase;
 };
 
-#define PB_MEMORY_TLS constinit thread_local __attribute__( ( tls_model( "initial-exec" ) ) )
-PB_MEMORY_TLS std::array<Cache, classes> caches{};
-PB_MEMORY_TLS ThreadState state{};
+// Initial-exec reaches it without a call, but takes of the little room that the loader keeps for libraries that are
+// loaded later: only what the usual path touches.
+__attribute__( ( tls_model( "initial-exec" ) ) ) constinit thread_local std::array<Cache, classes> caches{};
+constinit thread_local ThreadState state{};
 
 struct Depot {
     std::mutex mutex;

@@ -60,7 +60,8 @@ PB_OBJECT_DEFINE( pbStore, pb___sort_PB_STORE )
 const Entry *pbStore::find( std::u32string_view key ) const
 {
     if ( index_.empty() ) {
-        const auto found = std::ranges::find( entries, key, []( const Entry &entry ) { return pb::view( entry.key.get() ); } );
+        const auto found =
+            std::ranges::find_if( entries, [&]( const Entry &entry ) { return pb::view( entry.key.get() ) == key; } );
         return found == entries.end() ? nullptr : &*found;
     }
     const auto found = index_.find( key );

@@ -42,7 +42,7 @@ namespace {
 constexpr pbInt longest = PB_INT_MAX / 64; // far beyond memory, so that sizes and sums of lengths cannot overflow
 
 // An empty string with room for at least count code points; blocks end on the allocator's granularity.
-pb::String allocate( pbInt count )
+[[gnu::always_inline]] inline pb::String allocate( pbInt count )
 {
     PB_ASSERT( count <= longest );
     constexpr size_t granularity = 32;
@@ -120,28 +120,34 @@ bool isAscii( const char *bytes, size_t count )
     return !( seen & 0x8080808080808080u );
 }
 
-// Eight at a time by interleaving with zeros, which leaves each byte as the low one of four.
+// Eight bytes at a time by interleaving with zeros, which leaves each byte as the low one of four.
+void widenEight( const char *bytes, char32_t *chars )
+{
+    using Words __attribute__( ( vector_size( 16 ) ) ) = uint64_t;
+    using Bytes __attribute__( ( vector_size( 16 ) ) ) = uint8_t;
+    using Pairs __attribute__( ( vector_size( 16 ) ) ) = uint16_t;
+    uint64_t word;
+    std::memcpy( &word, bytes, sizeof word );
+    const auto narrow = reinterpret_cast<Bytes>( Words{ word, 0 } );
+    const auto pairs = reinterpret_cast<Pairs>(
+        __builtin_shufflevector( narrow, Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23 ) );
+    const Pairs low = __builtin_shufflevector( pairs, Pairs{}, 0, 8, 1, 9, 2, 10, 3, 11 );
+    const Pairs high = __builtin_shufflevector( pairs, Pairs{}, 4, 12, 5, 13, 6, 14, 7, 15 );
+    std::memcpy( chars, &low, sizeof low );
+    std::memcpy( chars + 4, &high, sizeof high );
+}
+
 void widen( const char *bytes, size_t count, char32_t *chars )
 {
-    using Bytes __attribute__( ( vector_size( 16 ) ) ) = uint8_t;
-    using Words __attribute__( ( vector_size( 16 ) ) ) = uint64_t;
-    using Pairs __attribute__( ( vector_size( 16 ) ) ) = uint16_t;
     constexpr size_t step = 8;
-    size_t done = 0;
-    if constexpr ( std::endian::native == std::endian::little )
-        for ( ; done + step <= count; done += step ) {
-            uint64_t word;
-            std::memcpy( &word, bytes + done, step );
-            const auto narrow = reinterpret_cast<Bytes>( Words{ word, 0 } );
-            const auto pairs = reinterpret_cast<Pairs>(
-                __builtin_shufflevector( narrow, Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23 ) );
-            const Pairs low = __builtin_shufflevector( pairs, Pairs{}, 0, 8, 1, 9, 2, 10, 3, 11 );
-            const Pairs high = __builtin_shufflevector( pairs, Pairs{}, 4, 12, 5, 13, 6, 14, 7, 15 );
-            std::memcpy( chars + done, &low, sizeof low );
-            std::memcpy( chars + done + step / 2, &high, sizeof high );
-        }
-    for ( ; done < count; ++done )
-        chars[done] = static_cast<unsigned char>( bytes[done] );
+    if ( std::endian::native != std::endian::little || count < step ) {
+        for ( size_t i = 0; i < count; ++i )
+            chars[i] = static_cast<unsigned char>( bytes[i] );
+        return;
+    }
+    for ( size_t done = 0; done + step < count; done += step )
+        widenEight( bytes + done, chars + done );
+    widenEight( bytes + count - step, chars + count - step ); // what it repeats comes out the same
 }
 
 // Null when strict and malformed.

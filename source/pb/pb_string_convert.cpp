@@ -29,10 +29,10 @@ pb::String foldCase( std::u32string_view text )
         std::transform( folded.begin(), folded.end(), folded.begin(), pb::text::asciiLower );
         return create( reinterpret_cast<const uint32_t *>( folded.data() ), folded.size() );
     }
+    const auto *chars = reinterpret_cast<const uint32_t *>( text.data() );
     size_t count = 0;
     const std::unique_ptr<uint32_t, void ( * )( void * )> folded(
-        u32_casefold( reinterpret_cast<const uint32_t *>( text.data() ), text.size(), nullptr, nullptr, nullptr, &count ),
-        std::free );
+        u32_casefold( chars, text.size(), nullptr, nullptr, nullptr, &count ), std::free );
     if ( !folded )
         throw std::bad_alloc();
     return create( folded.get(), count );

@@ -1,0 +1,126 @@
+// Objects: references, order across sorts, copy on write, and the memory behind them.
+#include "pb/pb_object.hpp"
+#include "pb/pb_string.hpp"
+#include "support/death_table.hpp"
+
+#include <thread>
+
+PB_SORT_DECLARE( pb___sort_TEST_VALUE )
+struct testValue final : pb::Object<struct testValue, pb___sort_TEST_VALUE> {
+    pbInt number = 0;
+    auto operator<=>( const testValue & ) const = default;
+};
+PB_OBJECT_DEFINE( testValue, pb___sort_TEST_VALUE )
+
+PB_SORT_DECLARE( pb___sort_TEST_ACTIVE )
+struct testActive final : pb::Object<struct testActive, pb___sort_TEST_ACTIVE> {
+    int number = 0;
+};
+PB_OBJECT_DEFINE( testActive, pb___sort_TEST_ACTIVE )
+
+namespace {
+
+pb::Ref<testValue> value( pbInt number )
+{
+    auto made = pb::make<testValue>();
+    made->number = number;
+    return made;
+}
+
+TEST( Object, OrdersNullThenSortNameThenContent )
+{
+    const auto active = pb::make<testActive>(), low = pb::make<testActive>();
+    const pbObj *const ascending[] = { nullptr, std::min<pbObj *>( active.get(), low.get(), std::less<>{} ),
+                                       std::max<pbObj *>( active.get(), low.get(), std::less<>{} ),
+                                       value( -1 ).release(), value( 7 ).release() };
+    for ( int i = 0; i < 5; ++i )
+        for ( int j = 0; j < 5; ++j ) {
+            SCOPED_TRACE( testing::Message() << i << " against " << j );
+            EXPECT_EQ( pbObjCompare( ascending[i], ascending[j] ), i < j ? -1 : i > j );
+        }
+    EXPECT_TRUE( pbObjEquals( ascending[4], value( 7 ).get() ) );
+    pbObjRelease( ascending[3] );
+    pbObjRelease( ascending[4] );
+    EXPECT_EQ( pb::utf8( pb::adopt( pbObjToString( active.get() ) ) ), "TEST_ACTIVE" );
+    EXPECT_EQ( pb::utf8( pb::adopt( pbObjToString( nullptr ) ) ), "null" );
+}
+
+TEST( Object, EditCopiesOnlyWhatIsShared )
+{
+    auto mine = value( 1 );
+    testValue *const before = mine.get();
+    pb::edit( mine.address() ).number = 2;
+    EXPECT_EQ( mine.get(), before );
+    const auto other = mine;
+    pb::edit( mine.address() ).number = 3;
+    EXPECT_NE( mine.get(), before );
+    EXPECT_EQ( other->number, 2 );
+    EXPECT_FALSE( pbObjIsShared( other.get() ) );
+}
+
+TEST( Object, AssertsItsContract )
+{
+    const auto active = pb::make<testActive>();
+    support::expectDeaths( {
+        { [&] { testValueFrom( active.get() ); }, "!obj || pbObjSort(obj)==&pb___sort_TEST_VALUE" },
+        { [] { pbObjSort( nullptr ); }, "obj" },
+        { [] { testValueRetain( nullptr ); }, "obj" },
+    } );
+}
+
+// Each block is filled and checked, so that a block handed out twice shows.
+struct Block {
+    size_t size;
+    unsigned char *bytes;
+};
+Block allocate( size_t size, unsigned char mark )
+{
+    auto *bytes = static_cast<unsigned char *>( pb___MemoryAllocate( size ) );
+    std::memset( bytes, mark, size );
+    return { size, bytes };
+}
+void checkAndFree( Block block, unsigned char mark )
+{
+    for ( size_t i = 0; i < block.size; ++i )
+        ASSERT_EQ( block.bytes[i], mark );
+    pb___MemoryFree( block.bytes, block.size );
+}
+
+TEST( Memory, BlocksFreedOnOtherThreadsComeBackWhole )
+{
+    constexpr size_t sizes[] = { 1, 32, 33, 511, 512, 513 };
+    for ( int round = 0; round < 20; ++round ) { // more blocks than two magazines hold
+        std::vector<Block> blocks;
+        std::thread( [&] {
+            for ( int i = 0; i < 1000; ++i )
+                blocks.push_back( allocate( sizes[i % 6], static_cast<unsigned char>( i ) ) );
+        } ).join();
+        std::thread( [&] {
+            for ( int i = 0; i < 1000; ++i )
+                checkAndFree( blocks[static_cast<size_t>( i )], static_cast<unsigned char>( i ) );
+        } ).join();
+    }
+}
+
+// A thread-local object made before the thread's first block ends after the thread's free lists did.
+struct Late {
+    Block block{};
+    ~Late()
+    {
+        checkAndFree( block, 1 );
+        checkAndFree( allocate( 40, 2 ), 2 );
+    }
+};
+thread_local Late late;
+const Late atExit = { allocate( 64, 1 ) };
+
+TEST( Memory, OutlivesTheThreadsOwnLists )
+{
+    for ( int i = 0; i < 3; ++i )
+        std::thread( [] {
+            late.block = { 0, nullptr };
+            late.block = allocate( 40, 1 );
+        } ).join();
+}
+
+} // namespace
