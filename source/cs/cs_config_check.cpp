@@ -147,7 +147,8 @@ private:
 
     void tellDropped( JsonMember &member, const struct csKey *key, const Form &with )
     {
-        if ( !key && !placeOf( with ).text )
+        const bool isEntry = path_.size() > 1 && path_[path_.size() - 2]->value.kind == JsonValue::Kind::Array;
+        if ( !key && !isEntry && !placeOf( with ).text )
             return tell( member.keyOffset, unknownText( "key or value", member.key, siblingNames( with ) ) );
         const std::string what = member.value.isContainer() ? "not accepted as it stands"
                                                             : '"' + printable( member.value.text ) + "\" is not accepted";

@@ -28,7 +28,7 @@ PB_API pbBool csConfigurationEquals( const struct csConfiguration *a, const stru
 // "FILE:LINE:COLUMN: error: OBJECT.key: what is wrong, what was expected" per problem, in the order of the file;
 // otherwise *problems is an empty vector. What it held before is released. Lines and columns count from 1, columns in
 // code points. All problems are found in one pass; one that makes the rest unreadable (not JSON, not UTF-8) ends it.
-// Limits: 16 MiB, nesting of 64, 250,000 values, 1,000 problems told.
+// Limits: 16 MiB, nesting of 64, 100,000 values, 1,000 problems told.
 // Needs the module backends of the sorts that the file names: their own normalisation says which values are dropped.
 PB_API struct csConfiguration *csConfigurationTryLoad( const struct pbString *path, struct pbVector **problems );
 // The same from memory; name stands for the file in messages.

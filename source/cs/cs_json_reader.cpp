@@ -49,15 +49,19 @@ bool isWordByte( char c )
     return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '+' || c == '-' || c == '.';
 }
 
-// The library says "... parse error at line 1, column 2: syntax error while parsing value - WHAT; last read: 'TEXT';
-// expected E". WHAT and E are kept: the place is told in our own way, and the text stands there.
+// The library says "[...] parse error at line 1, column 2: syntax error while parsing value - WHAT; last read: 'TEXT';
+// expected E", or "[...] WHAT" of numbers too large. WHAT and E are kept: the place is told in our own way, and the text
+// stands there.
 struct SyntaxError {
     std::string_view what;
     std::string_view expected{};
     bool inLexer = false; // no token: the lexer stopped inside what it could not read
 
-    explicit SyntaxError( std::string_view library ) : what( library.substr( std::min( library.find( " - " ) + 3, library.size() ) ) )
+    explicit SyntaxError( std::string_view library ) : what( library )
     {
+        for ( const std::string_view before : { std::string_view( "] " ), std::string_view( " - " ) } )
+            if ( const size_t at = what.find( before ); at != what.npos )
+                what = what.substr( at + before.size() );
         if ( const size_t at = what.find( "; last read: " ); at != what.npos ) {
             what = what.substr( 0, at );
             inLexer = true;

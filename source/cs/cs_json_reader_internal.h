@@ -15,7 +15,7 @@ namespace cs {
 
 constexpr size_t JsonBytesMaximum = size_t{ 16 } << 20;
 constexpr size_t JsonDepthMaximum = 64; // so that a walk over the tree may recurse
-constexpr size_t JsonValuesMaximum = 250'000;
+constexpr size_t JsonValuesMaximum = 100'000;
 
 struct JsonMember;
 

@@ -165,7 +165,10 @@ std::string expectedText( const struct csKey &key )
     if ( key.expected )
         return key.expected;
     switch ( key.kind ) {
-    case CS_KEY_INT: return isRange( key ) ? std::to_string( key.minimum ) + ".." + std::to_string( key.maximum ) : "an integer";
+    case CS_KEY_INT:
+        if ( !isRange( key ) )
+            return "an integer";
+        return std::to_string( key.minimum ) + ( key.maximum == PB_INT_MAX ? " or more" : ".." + std::to_string( key.maximum ) );
     case CS_KEY_BOOL: return "true or false";
     case CS_KEY_ENUM: return "one of " + joined( namesOf( key ) );
     case CS_KEY_FLAGS: return "names joined by \"|\" of " + joined( namesOf( key ) );
@@ -200,7 +203,7 @@ std::vector<std::string> keyNames( Keys keys )
 std::string unknownText( std::string_view kind, std::string_view name, const std::vector<std::string> &known )
 {
     std::string text = "unknown " + std::string( kind );
-    if ( kind != "key" ) // a key stands in the path
+    if ( !kind.starts_with( "key" ) ) // a key stands in the path
         text += " \"" + printable( name ) + '"';
     if ( const std::string nearest = nearestName( name, known ); !nearest.empty() )
         return text + ", did you mean \"" + nearest + "\"?";
