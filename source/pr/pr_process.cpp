@@ -54,13 +54,8 @@ bool prProcess::run()
     runningProcess = this;
     function( argument.get() );
     runningProcess = nullptr;
-    // Leaves what was asked for during the run.
-    const unsigned asked = state.fetch_and( ~running, std::memory_order_acq_rel );
-    if ( asked & halted ) {
-        finish();
-        return false;
-    }
-    return asked & scheduled;
+    // Leaves what was asked for during the run, be it another run or the end.
+    return state.fetch_and( ~running, std::memory_order_acq_rel ) & scheduled;
 }
 
 void prProcess::drop()

@@ -15,6 +15,7 @@ struct Record {
     pb::Ref<struct pbBarrier> barrier = pb::adopt( pbBarrierCreate( 0 ) );
     std::mutex monitor;
     int served = 0;
+    bool removed = false; // the descriptor is not to be registered again
 };
 
 struct Service {
@@ -50,7 +51,8 @@ struct Service {
                 // A report that was meant for a former owner of the number finds nothing here.
                 if ( conditions == readable )
                     strange += record->pair.read() == -1;
-                unixFdObserverTrySetConditions( observer.get(), fd, readable );
+                if ( !record->removed )
+                    unixFdObserverTrySetConditions( observer.get(), fd, readable );
             }
             pbBarrierUnblock( record->barrier.get() );
         }
@@ -66,6 +68,7 @@ struct Service {
         const int fd = record->pair.own.get();
         {
             std::lock_guard guard( record->monitor );
+            record->removed = true;
             EXPECT_TRUE( unixFdObserverTrySetConditions( observer.get(), fd, 0 ) );
         }
         pbBarrierPass( record->barrier.get() );
