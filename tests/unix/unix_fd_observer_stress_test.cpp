@@ -38,9 +38,11 @@ struct Service {
         pbInt fd, conditions;
         while ( unixFdObserverWait( observer.get(), abort.get(), &fd, &conditions ) ) {
             Record *record;
+            for ( int i = 0; i < 4; ++i )
+                std::this_thread::yield(); // widens the gap in which nobody may deregister
             {
                 std::lock_guard guard( tableMonitor );
-                record = table.at( fd ); // it must be there while the report is outstanding
+                record = table.at( fd ); // aborts unless it is there
             }
             pbBarrierBlock( record->barrier.get() );
             unixFdObserverUnblock( observer.get() );
@@ -95,6 +97,8 @@ TEST( UnixFdObserverStress, RecordsComeAndGoWhileTheyAreServed )
                         EXPECT_TRUE( unixFdObserverTrySetConditions( service.observer.get(), added->pair.own.get(),
                                                                      round % 3 ? readable : writable ) );
                     }
+                    if ( round % 2 )
+                        std::this_thread::yield(); // watched, and nothing to read yet
                     added->pair.peerWrites();
                 }
                 if ( ( round + i ) % 2 )
