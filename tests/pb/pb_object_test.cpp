@@ -3,6 +3,9 @@
 #include "pb/pb_string.hpp"
 #include "support/death_table.hpp"
 
+#include <deque>
+#include <mutex>
+#include <random>
 #include <thread>
 
 PB_SORT_DECLARE( pb___sort_TEST_VALUE )
@@ -86,20 +89,36 @@ void checkAndFree( Block block, unsigned char mark )
     pb___MemoryFree( block.bytes, block.size );
 }
 
-TEST( Memory, BlocksFreedOnOtherThreadsComeBackWhole )
+TEST( Memory, BlocksThatWanderBetweenThreadsStayWhole )
 {
-    constexpr size_t sizes[] = { 1, 32, 33, 511, 512, 513 };
-    for ( int round = 0; round < 20; ++round ) { // more blocks than two magazines hold
-        std::vector<Block> blocks;
-        std::thread( [&] {
-            for ( int i = 0; i < 1000; ++i )
-                blocks.push_back( allocate( sizes[i % 6], static_cast<unsigned char>( i ) ) );
-        } ).join();
-        std::thread( [&] {
-            for ( int i = 0; i < 1000; ++i )
-                checkAndFree( blocks[static_cast<size_t>( i )], static_cast<unsigned char>( i ) );
-        } ).join();
+    constexpr size_t sizes[] = { 1, 32, 33, 512, 513 };
+    std::mutex mutex;
+    std::deque<std::pair<Block, unsigned char>> blocks; // a thread frees what another one made
+    const auto work = [&]( unsigned seed ) {
+        std::minstd_rand random( seed );
+        for ( int wave = 0; wave < 40; ++wave ) { // longer than the magazines of a thread
+            for ( unsigned i = 0, count = random() % 300; i < count; ++i ) {
+                const auto mark = static_cast<unsigned char>( random() );
+                const Block made = allocate( sizes[random() % 5], mark );
+                const std::lock_guard lock( mutex );
+                blocks.emplace_back( made, mark );
+            }
+            for ( unsigned i = 0, count = random() % 300; i < count; ++i ) {
+                const std::lock_guard lock( mutex );
+                if ( blocks.empty() )
+                    break;
+                checkAndFree( blocks.front().first, blocks.front().second );
+                blocks.pop_front();
+            }
+        }
+    };
+    for ( unsigned round = 0; round < 3; ++round ) { // the lists of ended threads serve the next ones
+        std::thread first( work, 3 * round + 1 ), second( work, 3 * round + 2 );
+        first.join();
+        second.join();
     }
+    for ( const auto &[block, mark] : blocks )
+        checkAndFree( block, mark );
 }
 
 // A thread-local object made before the thread's first block ends after the thread's free lists did.
