@@ -33,7 +33,8 @@ bool sameInteger( const std::string &a, const std::string &b )
 
 bool hasUsableMembers( const JsonValue &container )
 {
-    return std::any_of( container.members.begin(), container.members.end(), []( const auto &member ) { return member.usable(); } );
+    return std::any_of( container.members.begin(), container.members.end(),
+                        []( const auto &member ) { return member.usable(); } );
 }
 
 // What the sort makes of a configuration. Without defaults tells an explicit setting from a default of the same value.
@@ -47,7 +48,8 @@ struct Form {
 class ConfigCheck {
 public:
     ConfigCheck( const Sort &sort, JsonValue &config, const std::string &path, Problems &problems )
-        : sort_( sort ), keys_( Registry::instance().keys( sort ) ), config_( config ), recordPath_( path ), problems_( problems )
+        : sort_( sort ), keys_( Registry::instance().keys( sort ) ), config_( config ), recordPath_( path ),
+          problems_( problems )
     {
     }
 
@@ -96,7 +98,8 @@ private:
         const auto usable = std::count_if( container.members.begin(), container.members.end(),
                                            []( const auto &member ) { return member.usable(); } );
         const auto all = static_cast<pbInt>( container.members.size() );
-        if ( container.kind == JsonValue::Kind::Array && kept && ( usable != all || pbStoreLength( kept.get() ) != all ) )
+        if ( container.kind == JsonValue::Kind::Array && kept
+             && ( usable != all || pbStoreLength( kept.get() ) != all ) )
             kept = nullptr;
         for ( JsonMember &member : container.members ) {
             if ( !member.usable() )
@@ -136,11 +139,13 @@ private:
             return;
         const Form alone = form( focused( Scope::Alone ) );
         const pb::String own = placeOf( alone ).text;
-        const bool countsAlone = ( own && pb::utf8( own ) == text ) || alone != form( focused( Scope::Alone, Omit::Focus ) );
+        const bool countsAlone =
+            ( own && pb::utf8( own ) == text ) || alone != form( focused( Scope::Alone, Omit::Focus ) );
         if ( countsAlone && now )
             return; // overridden
         if ( countsAlone )
-            return tell( member.value.offset, '"' + printable( text ) + "\" does not go with the other values, expected "
+            return tell( member.value.offset, '"' + printable( text )
+                                                  + "\" does not go with the other values, expected "
                                                   + expected( key ) );
         tellDropped( member, key, with );
     }
@@ -150,8 +155,9 @@ private:
         const bool isEntry = path_.size() > 1 && path_[path_.size() - 2]->value.kind == JsonValue::Kind::Array;
         if ( !key && !isEntry && !placeOf( with ).text )
             return tell( member.keyOffset, unknownText( "key or value", member.key, siblingNames( with ) ) );
-        const std::string what = member.value.isContainer() ? "not accepted as it stands"
-                                                            : '"' + printable( member.value.text ) + "\" is not accepted";
+        const std::string what = member.value.isContainer()
+                                     ? "not accepted as it stands"
+                                     : '"' + printable( member.value.text ) + "\" is not accepted";
         tell( member.value.offset, what + ", expected " + expected( key ) );
     }
 
@@ -160,7 +166,10 @@ private:
     enum class Scope { Around, Alone }; // with all that stands beside the path, or with the path alone
     enum class Omit { Nothing, Focus };
 
-    pb::Ref<struct pbStore> focused( Scope scope, Omit omit = Omit::Nothing ) const { return focused( config_, 0, scope, omit ); }
+    pb::Ref<struct pbStore> focused( Scope scope, Omit omit = Omit::Nothing ) const
+    {
+        return focused( config_, 0, scope, omit );
+    }
     pb::Ref<struct pbStore> focused( const JsonValue &container, size_t depth, Scope scope, Omit omit ) const
     {
         const JsonMember &focus = *path_[depth];
@@ -217,7 +226,8 @@ private:
 
     Form form( const pb::Ref<struct pbStore> &store ) const
     {
-        return { pb::adopt( sort_.normalizeConfig( store.get(), true ) ), pb::adopt( sort_.normalizeConfig( store.get(), false ) ) };
+        return { pb::adopt( sort_.normalizeConfig( store.get(), true ) ),
+                 pb::adopt( sort_.normalizeConfig( store.get(), false ) ) };
     }
 
     static std::string expected( const struct csKey *optionalKey )

@@ -8,8 +8,8 @@
 
 namespace cs {
 
-// Adds a problem for every key that the sort does not know and every value that it would drop. config is an object; path
-// names its record. The caller holds a Call of the sort. Marks what it finds in the tree.
+// Adds a problem for every key that the sort does not know and every value that it would drop. config is an object;
+// path names its record. The caller holds a Call of the sort. Marks what it finds in the tree.
 void checkConfig( const Sort &sort, JsonValue &config, const std::string &path, Problems &problems );
 
 } // namespace cs

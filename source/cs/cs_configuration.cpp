@@ -34,8 +34,8 @@ struct csConfiguration final : pb::Object<struct csConfiguration, cs___sort_CS_C
             tr::text( stream.get(), "[csConfigurationStart()] name: %s, sort: %s, module not running", name, sortName );
             return nullptr;
         }
-        const auto anchor = pb::adopt( trAnchorCreateWithAnnotationCstr( stream.get(), TR_ANCHOR_KIND_PLAIN, record.name.data(),
-                                                                         static_cast<pbInt>( record.name.size() ) ) );
+        const auto anchor = pb::adopt( trAnchorCreateWithAnnotationCstr(
+            stream.get(), TR_ANCHOR_KIND_PLAIN, record.name.data(), static_cast<pbInt>( record.name.size() ) ) );
         auto obj = pb::adopt( record.sort->tryCreate( record.optionalStore.get(), anchor.get() ) );
         tr::text( stream.get(), "[csConfigurationStart()] name: %s, sort: %s, created: %b", name, sortName,
                   static_cast<bool>( obj ) );
@@ -69,8 +69,8 @@ PB_OBJECT_DEFINE( csConfiguration, cs___sort_CS_CONFIGURATION )
 
 namespace {
 
-// False, and the reason in errno, when the file cannot be read; reads at most one byte more than a text may have, so that
-// an endless file ends.
+// False, and the reason in errno, when the file cannot be read; reads at most one byte more than a text may have, so
+// that an endless file ends.
 bool readFile( const char *path, std::string &bytes )
 {
     const pb::Fd file( ::open( path, O_RDONLY | O_CLOEXEC | O_NOCTTY ) );
@@ -118,13 +118,14 @@ extern "C" struct csConfiguration *csConfigurationTryLoad( const struct pbString
     if ( read )
         return parse( bytes, path, problems );
     cs::Problems unreadable;
-    unreadable.add( 0, "", "cannot be read (" + std::system_category().message( error ) + "), expected a configuration file" );
+    unreadable.add( 0, "",
+                    "cannot be read (" + std::system_category().message( error ) + "), expected a configuration file" );
     setVector( problems, unreadable.messages( pb::utf8( path ), "" ) );
     return nullptr;
 }
 
-extern "C" struct csConfiguration *csConfigurationTryParse( const void *bytes, pbInt byteCount, const struct pbString *name,
-                                                            struct pbVector **problems )
+extern "C" struct csConfiguration *csConfigurationTryParse( const void *bytes, pbInt byteCount,
+                                                            const struct pbString *name, struct pbVector **problems )
 {
     PB_ASSERT( byteCount >= 0 );
     PB_ASSERT( bytes || byteCount == 0 );
@@ -199,8 +200,8 @@ extern "C" struct csStatusReporter *csConfigurationStatusAt( const struct csConf
     return obj && call && sort->status ? sort->status( obj.get() ) : nullptr;
 }
 
-extern "C" struct pbObj *csConfigurationObject( const struct csConfiguration *configuration, const struct pbString *name,
-                                                const struct pbSort *sort )
+extern "C" struct pbObj *csConfigurationObject( const struct csConfiguration *configuration,
+                                                const struct pbString *name, const struct pbSort *sort )
 {
     PB_ASSERT( configuration );
     PB_ASSERT( name );

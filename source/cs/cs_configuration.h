@@ -1,6 +1,6 @@
 // The loaded configuration: named records of sort and store, each with a live object once started.
-// A file is JSON with // and /* */ comments: {"objects": {NAME: {"sort": "IN_STACK", "config": {...}}}}; "config" may be
-// left out. Objects become stores, arrays store arrays; numbers and booleans their text as written.
+// A file is JSON with // and /* */ comments: {"objects": {NAME: {"sort": "IN_STACK", "config": {...}}}}; "config" may
+// be left out. Objects become stores, arrays store arrays; numbers and booleans their text as written.
 #ifndef CS_CONFIGURATION_H
 #define CS_CONFIGURATION_H
 

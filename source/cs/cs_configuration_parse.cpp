@@ -33,7 +33,7 @@ public:
 private:
     void parseRecord( JsonMember &record )
     {
-        const std::string path = printable( record.key );
+        const std::string path = record.key.empty() ? "\"\"" : printable( record.key );
         if ( record.duplicate )
             problems_.add( record.keyOffset, path, "the name stands twice, expected once" );
         if ( !recordNameOk( record.key ) )
@@ -52,7 +52,8 @@ private:
         if ( !known || !configOk )
             return;
         if ( const Call call( known ); !call )
-            problems_.add( sort->value.offset, path + ".sort", "the module of this sort is not running, expected it started" );
+            problems_.add( sort->value.offset, path + ".sort",
+                           "the module of this sort is not running, expected it started" );
         else if ( config )
             checkConfig( *known, config->value, path, problems_ );
         records.push_back( { record.key, known, config ? storeFromJson( config->value ) : nullptr } );
@@ -107,7 +108,8 @@ private:
 bool recordNameOk( std::string_view name )
 {
     const auto ok = []( char c ) {
-        return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '_' || c == '-' || c == '.';
+        return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '_' || c == '-'
+               || c == '.';
     };
     return !name.empty() && name.size() <= 255 && std::all_of( name.begin(), name.end(), ok );
 }

@@ -63,7 +63,8 @@ public:
     }
     pb::String text() const
     {
-        return pb::adopt( pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text_.data() ), static_cast<pbInt>( text_.size() ) ) );
+        return pb::adopt( pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text_.data() ),
+                                                   static_cast<pbInt>( text_.size() ) ) );
     }
 
 private:
@@ -71,15 +72,17 @@ private:
     {
         if ( const auto sub = pb::adopt( pbStoreStoreAt( store, index ) ) ) {
             const bool numbered = isArray( sub.get() );
-            const bool known = optionalKey && ( optionalKey->kind == CS_KEY_STORE || optionalKey->kind == CS_KEY_ARRAY );
+            const bool known =
+                optionalKey && ( optionalKey->kind == CS_KEY_STORE || optionalKey->kind == CS_KEY_ARRAY );
             // A table that does not fit the store must not make it come back as another.
-            const bool asArray = known && optionalKey->kind == CS_KEY_ARRAY ? numbered || pbStoreLength( sub.get() ) == 0
-                                                                            : numbered && !known;
+            const bool asArray = known && optionalKey->kind == CS_KEY_ARRAY
+                                     ? numbered || pbStoreLength( sub.get() ) == 0
+                                     : numbered && !known;
             return writeStore( sub.get(), asArray, subKeys( optionalKey ) );
         }
         const auto value = pb::adopt( pbStoreValueAt( store, index ) );
         const std::u32string_view view = pb::view( value.get() );
-        const bool bare = !optionalKey                        ? isPlainInteger( view ) || isBool( view )
+        const bool bare = !optionalKey                       ? isPlainInteger( view ) || isBool( view )
                           : optionalKey->kind == CS_KEY_INT  ? isPlainInteger( view )
                           : optionalKey->kind == CS_KEY_BOOL ? isBool( view )
                                                              : false;

@@ -1,6 +1,6 @@
 // Stores as JSON text: stores become objects, store arrays arrays. Text that is a decimal integer as a store writes it,
-// within +-(2^53 - 1), is printed as a number, "true" and "false" as booleans, all else as strings; reading gives back the
-// same texts, so a store comes back equal.
+// within +-(2^53 - 1), is printed as a number, "true" and "false" as booleans, all else as strings; reading gives back
+// the same texts, so a store comes back equal.
 #ifndef CS_JSON_H
 #define CS_JSON_H
 

@@ -46,12 +46,13 @@ private:
 // Bytes of numbers and of the literals true, false, null; of what was meant as one, too.
 bool isWordByte( char c )
 {
-    return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '+' || c == '-' || c == '.';
+    return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '+' || c == '-'
+           || c == '.';
 }
 
 // The library says "[...] parse error at line 1, column 2: syntax error while parsing value - WHAT; last read: 'TEXT';
-// expected E", or "[...] WHAT" of numbers too large. WHAT and E are kept: the place is told in our own way, and the text
-// stands there.
+// expected E", or "[...] WHAT" of numbers too large. WHAT and E are kept: the place is told in our own way, and the
+// text stands there.
 struct SyntaxError {
     std::string_view what;
     std::string_view expected{};
@@ -95,7 +96,10 @@ public:
     bool number_integer( json::number_integer_t ) { return number(); }
     bool number_unsigned( json::number_unsigned_t ) { return number(); }
     bool number_float( json::number_float_t, const std::string & ) { return number(); }
-    bool string( std::string &value ) { return scalar( JsonValue::Kind::String, quoteStart( consumed() ), std::move( value ) ); }
+    bool string( std::string &value )
+    {
+        return scalar( JsonValue::Kind::String, quoteStart( consumed() ), std::move( value ) );
+    }
     bool binary( json::binary_t & ) { return false; } // no part of JSON text
     bool start_object( size_t ) { return open( JsonValue::Kind::Object ); }
     bool start_array( size_t ) { return open( JsonValue::Kind::Array ); }
@@ -121,7 +125,7 @@ public:
 
 private:
     struct Level {
-        JsonValue *value;                        // stays where it is until its level is closed
+        JsonValue *value; // stays where it is until its level is closed
         std::set<std::string> keys{};
     };
 
@@ -134,8 +138,8 @@ private:
             --end;
         return end;
     }
-    // The opening quote of the string whose closing quote stands before the offset. An inner quote follows an odd number
-    // of backslashes; the opening one follows none, since outside a string no backslash is JSON.
+    // The opening quote of the string whose closing quote stands before the offset. An inner quote follows an odd
+    // number of backslashes; the opening one follows none, since outside a string no backslash is JSON.
     size_t quoteStart( size_t end ) const
     {
         size_t at = end - 1;
@@ -202,7 +206,8 @@ private:
     {
         const size_t offset = consumed() - 1;
         if ( levels_.size() == JsonDepthMaximum ) {
-            error_ = { offset, "nested too deeply, expected at most " + std::to_string( JsonDepthMaximum ) + " levels" };
+            error_ = { offset,
+                       "nested too deeply, expected at most " + std::to_string( JsonDepthMaximum ) + " levels" };
             return false;
         }
         JsonValue *value = place( kind, offset );
@@ -230,7 +235,12 @@ size_t utf8Length( std::string_view text )
 {
     const auto byte = [&]( size_t i ) { return i < text.size() ? static_cast<unsigned char>( text[i] ) : 0u; };
     const unsigned first = byte( 0 );
-    const size_t length = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
+    const size_t length = first < 0x80   ? 1
+                          : first < 0xC2 ? 0
+                          : first < 0xE0 ? 2
+                          : first < 0xF0 ? 3
+                          : first < 0xF5 ? 4
+                                         : 0;
     for ( size_t i = 1; i < length; ++i )
         if ( ( byte( i ) & 0xC0 ) != 0x80 )
             return 0;
@@ -272,9 +282,11 @@ JsonError readJson( std::string_view bytes, JsonValue &root )
 void setFromJson( pb::Ref<struct pbStore> &store, std::string_view key, const JsonValue &value )
 {
     if ( value.isContainer() )
-        pbStoreSetStoreCstr( store.address(), key.data(), static_cast<pbInt>( key.size() ), storeFromJson( value ).get() );
+        pbStoreSetStoreCstr( store.address(), key.data(), static_cast<pbInt>( key.size() ),
+                             storeFromJson( value ).get() );
     else
-        pbStoreSetValueCstr( store.address(), key.data(), static_cast<pbInt>( key.size() ), pb::string( value.text ).get() );
+        pbStoreSetValueCstr( store.address(), key.data(), static_cast<pbInt>( key.size() ),
+                             pb::string( value.text ).get() );
 }
 
 pb::Ref<struct pbStore> storeFromJson( const JsonValue &container )
@@ -283,7 +295,8 @@ pb::Ref<struct pbStore> storeFromJson( const JsonValue &container )
     size_t entries = 0; // counted, so that an array without one of its entries has no gap
     for ( const JsonMember &member : container.members )
         if ( member.usable() )
-            setFromJson( store, container.kind == JsonValue::Kind::Array ? std::to_string( entries++ ) : member.key, member.value );
+            setFromJson( store, container.kind == JsonValue::Kind::Array ? std::to_string( entries++ ) : member.key,
+                         member.value );
     return store;
 }
 

@@ -23,10 +23,10 @@ struct JsonValue {
     enum class Kind { Null, Bool, Number, String, Object, Array };
 
     Kind kind = Kind::Null;
-    size_t offset = 0;      // of its first byte
-    bool complete = false;  // false where the text ended inside it
-    std::string text{};     // of Null, Bool, Number (as written) and String (without escapes)
-    std::vector<JsonMember> members;  // of Object and Array
+    size_t offset = 0;               // of its first byte
+    bool complete = false;           // false where the text ended inside it
+    std::string text{};              // of Null, Bool, Number (as written) and String (without escapes)
+    std::vector<JsonMember> members; // of Object and Array
 
     bool isContainer() const noexcept { return kind == Kind::Object || kind == Kind::Array; }
 };

@@ -109,7 +109,8 @@ std::string integerProblem( const struct csKey &key, const JsonValue &value )
     pbInt number = 0;
     if ( !integerFromText( value.text, number ) )
         return valueText( value ) + " is no integer";
-    return isRange( key ) && ( number < key.minimum || number > key.maximum ) ? valueText( value ) + " is out of range" : "";
+    return isRange( key ) && ( number < key.minimum || number > key.maximum ) ? valueText( value ) + " is out of range"
+                                                                              : "";
 }
 
 bool kindFits( const struct csKey &key, const JsonValue &value )
@@ -117,7 +118,8 @@ bool kindFits( const struct csKey &key, const JsonValue &value )
     switch ( key.kind ) {
     case CS_KEY_STORE: return value.kind == JsonValue::Kind::Object;
     case CS_KEY_ARRAY: // an empty one is stored, and printed where its kind is not known, as an empty store
-        return value.kind == JsonValue::Kind::Array || ( value.kind == JsonValue::Kind::Object && value.members.empty() );
+        return value.kind == JsonValue::Kind::Array
+               || ( value.kind == JsonValue::Kind::Object && value.members.empty() );
     default: return !value.isContainer();
     }
 }
@@ -150,7 +152,8 @@ const struct csKey *findKey( Keys keys, std::string_view name )
 
 Keys subKeys( const struct csKey *optionalKey )
 {
-    return optionalKey && optionalKey->keys ? Keys( optionalKey->keys, static_cast<size_t>( optionalKey->keyCount ) ) : Keys();
+    return optionalKey && optionalKey->keys ? Keys( optionalKey->keys, static_cast<size_t>( optionalKey->keyCount ) )
+                                            : Keys();
 }
 
 const struct csKey *memberKey( Keys keys, const JsonValue &container, std::string_view name )
@@ -168,7 +171,8 @@ std::string expectedText( const struct csKey &key )
     case CS_KEY_INT:
         if ( !isRange( key ) )
             return "an integer";
-        return std::to_string( key.minimum ) + ( key.maximum == PB_INT_MAX ? " or more" : ".." + std::to_string( key.maximum ) );
+        return std::to_string( key.minimum )
+               + ( key.maximum == PB_INT_MAX ? " or more" : ".." + std::to_string( key.maximum ) );
     case CS_KEY_BOOL: return "true or false";
     case CS_KEY_ENUM: return "one of " + joined( namesOf( key ) );
     case CS_KEY_FLAGS: return "names joined by \"|\" of " + joined( namesOf( key ) );

@@ -21,11 +21,12 @@ struct csModuleBackend final : pb::Object<struct csModuleBackend, cs___sort_CS_M
 PB_OBJECT_DEFINE( csModuleBackend, cs___sort_CS_MODULE_BACKEND )
 
 extern "C" struct csModuleBackend *csModuleBackendCreate( const struct pbModule *module,
-                                                          struct pbStore *( *optionalInfo )( void ) )
+                                                          struct pbStore *( *optionalInfo )(void))
 {
     PB_ASSERT( module );
     PB_ASSERT( module->record );
-    return pb::make<struct csModuleBackend>( std::make_shared<cs::Module>( cs::Module{ module, optionalInfo } ) ).release();
+    return pb::make<struct csModuleBackend>( std::make_shared<cs::Module>( cs::Module{ module, optionalInfo } ) )
+        .release();
 }
 
 extern "C" struct pbStore *csConfigurationModules( void )

@@ -21,7 +21,8 @@ PB_API pbInt csModuleBackendCompare( const struct csModuleBackend *a, const stru
 PB_API pbBool csModuleBackendEquals( const struct csModuleBackend *a, const struct csModuleBackend *b );
 
 // The descriptor is static. The module's information is stored under "modules", the module's name, "info".
-PB_API struct csModuleBackend *csModuleBackendCreate( const struct pbModule *module, struct pbStore *( *optionalInfo )( void ) );
+PB_API struct csModuleBackend *csModuleBackendCreate( const struct pbModule *module,
+                                                      struct pbStore *( *optionalInfo )(void));
 
 PB_DECLS_END
 

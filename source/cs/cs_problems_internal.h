@@ -13,7 +13,8 @@ struct pbVector;
 
 namespace cs {
 
-// UTF-8 text for a message: at most 64 code points, control characters escaped, so that a file cannot write to a terminal.
+// UTF-8 text for a message: at most 64 code points, control characters escaped, so that a file cannot write to a
+// terminal.
 std::string printable( std::string_view text );
 
 class Problems {

@@ -60,7 +60,8 @@ void Registry::removeModule( const std::shared_ptr<Module> &module )
             withdrawn.push_back( sort );
         }
     const auto underWay = [&] {
-        return module->calls || std::any_of( withdrawn.begin(), withdrawn.end(), []( const auto &sort ) { return sort->calls; } );
+        return module->calls
+               || std::any_of( withdrawn.begin(), withdrawn.end(), []( const auto &sort ) { return sort->calls; } );
     };
     while ( underWay() )
         callEnded_.wait( monitor_ );
@@ -155,8 +156,8 @@ extern "C" struct csSortBackend *csSortBackendCreate( const struct pbSort *sort,
     PB_ASSERT( config );
     PB_ASSERT( setConfig );
     PB_ASSERT( normalizeConfig );
-    auto registered = std::make_shared<cs::Sort>( cs::Sort{ sort, tryCreate, config, setConfig, normalizeConfig,
-                                                            optionalStatus, optionalTraceCompleteAnchor } );
+    auto registered = std::make_shared<cs::Sort>(
+        cs::Sort{ sort, tryCreate, config, setConfig, normalizeConfig, optionalStatus, optionalTraceCompleteAnchor } );
     return pb::make<struct csSortBackend>( std::move( registered ) ).release();
 }
 

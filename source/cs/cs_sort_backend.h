@@ -1,7 +1,7 @@
 // csSortBackend: how the configuration service makes, reads and changes objects of one sort.
-// A module registers its sorts first and creates its module backend last (cs_module_backend.h). Callbacks are called only
-// while that module backend exists, from any thread, without a monitor of the service held.
-// Releasing the last reference unregisters the sort and waits for calls under way; not from inside a callback.
+// A module registers its sorts first and creates its module backend last (cs_module_backend.h). Callbacks are called
+// only while that module backend exists, from any thread, without a monitor of the service held. Releasing the last
+// reference unregisters the sort and waits for calls under way; not from inside a callback.
 #ifndef CS_SORT_BACKEND_H
 #define CS_SORT_BACKEND_H
 
@@ -38,10 +38,11 @@ PB_API pbBool csSortBackendEquals( const struct csSortBackend *a, const struct c
 // A sort can be registered once at a time.
 PB_API struct csSortBackend *csSortBackendCreate( const struct pbSort *sort, csSortTryCreateFunc *tryCreate,
                                                   csSortConfigFunc *config, csSortSetConfigFunc *setConfig,
-                                                  csSortNormalizeConfigFunc *normalizeConfig, csSortStatusFunc *optionalStatus,
+                                                  csSortNormalizeConfigFunc *normalizeConfig,
+                                                  csSortStatusFunc *optionalStatus,
                                                   csSortTraceCompleteAnchorFunc *optionalTraceCompleteAnchor );
-// Describes the keys of the sort's configuration, which outlive the backend; see cs_key.h. A key that is not in the table
-// is then unknown; without a table the sort's normalizeConfig alone decides.
+// Describes the keys of the sort's configuration, which outlive the backend; see cs_key.h. A key that is not in the
+// table is then unknown; without a table the sort's normalizeConfig alone decides.
 PB_API void csSortBackendSetKeys( struct csSortBackend *backend, const struct csKey *keys, pbInt keyCount );
 
 PB_DECLS_END

@@ -93,7 +93,8 @@ extern "C" struct pbStore *csStatusReporterItems( const struct csStatusReporter 
     return reporter->items.share();
 }
 
-extern "C" void csStatusReporterUpdateAddSignalable( struct csStatusReporter *reporter, struct pbSignalable *signalable )
+extern "C" void csStatusReporterUpdateAddSignalable( struct csStatusReporter *reporter,
+                                                     struct pbSignalable *signalable )
 {
     PB_ASSERT( reporter );
     PB_ASSERT( signalable );
@@ -101,7 +102,8 @@ extern "C" void csStatusReporterUpdateAddSignalable( struct csStatusReporter *re
     pbSignalAddSignalable( reporter->update.get(), signalable );
 }
 
-extern "C" void csStatusReporterUpdateDelSignalable( struct csStatusReporter *reporter, struct pbSignalable *signalable )
+extern "C" void csStatusReporterUpdateDelSignalable( struct csStatusReporter *reporter,
+                                                     struct pbSignalable *signalable )
 {
     PB_ASSERT( reporter );
     PB_ASSERT( signalable );

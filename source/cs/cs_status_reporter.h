@@ -25,7 +25,8 @@ PB_API pbBool csStatusReporterEquals( const struct csStatusReporter *a, const st
 PB_API struct csStatusReporter *csStatusReporterCreate( struct trAnchor *optionalAnchor );
 PB_API void csStatusReporterSetUp( struct csStatusReporter *reporter, pbBool up );
 PB_API pbBool csStatusReporterUp( const struct csStatusReporter *reporter );
-PB_API void csStatusReporterSetItemCstr( struct csStatusReporter *reporter, const char *key, pbInt keyLength, const struct pbString *value );
+PB_API void csStatusReporterSetItemCstr( struct csStatusReporter *reporter, const char *key, pbInt keyLength,
+                                         const struct pbString *value );
 PB_API void csStatusReporterDelItemCstr( struct csStatusReporter *reporter, const char *key, pbInt keyLength );
 PB_API struct pbStore *csStatusReporterItems( const struct csStatusReporter *reporter );
 // Signalled at the next change; register before reading.

@@ -18,9 +18,12 @@ std::string tryConfigure( const std::string &config = R"(, "config": { "title": 
 {
     const std::string text = R"({ "objects": { "a": { "sort": "TEST_PHONE")" + config + " } } }";
     struct pbVector *problems = nullptr;
-    (void)pb::adopt( csConfigurationTryParse( text.data(), static_cast<pbInt>( text.size() ), pb::string( "F" ).get(), &problems ) );
+    (void)pb::adopt(
+        csConfigurationTryParse( text.data(), static_cast<pbInt>( text.size() ), pb::string( "F" ).get(), &problems ) );
     const auto vector = pb::adopt( problems );
-    return pbVectorLength( vector.get() ) ? pb::utf8( pb::adopt( pbObjToString( pb::adopt( pbVectorObjAt( vector.get(), 0 ) ).get() ) ) ) : "";
+    return pbVectorLength( vector.get() )
+               ? pb::utf8( pb::adopt( pbObjToString( pb::adopt( pbVectorObjAt( vector.get(), 0 ) ).get() ) ) )
+               : "";
 }
 
 constexpr pbModuleRecord OtherRecord = { "other", "Other", "1.0", "", "", {}, "", "" };
@@ -80,7 +83,8 @@ TEST( CsBackendDeathTest, Preconditions )
     const struct pbSort *const sort = &test___sort_TEST_PHONE;
     csSortConfigFunc *const config = []( struct pbObj *, pbBool ) { return pbStoreCreate(); };
     csSortSetConfigFunc *const setConfig = []( struct pbObj *, struct pbStore * ) {};
-    const auto create = [=]( const struct pbSort *s, csSortTryCreateFunc *t, csSortConfigFunc *c, csSortSetConfigFunc *e, csSortNormalizeConfigFunc *n ) {
+    const auto create = [=]( const struct pbSort *s, csSortTryCreateFunc *t, csSortConfigFunc *c,
+                             csSortSetConfigFunc *e, csSortNormalizeConfigFunc *n ) {
         return [=] { (void)csSortBackendCreate( s, t, c, e, n, nullptr, nullptr ); };
     };
     support::expectDeaths( {

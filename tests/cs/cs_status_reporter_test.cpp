@@ -22,7 +22,10 @@ protected:
         step();
         return pbBarrierPassTimed( barrier.get(), 0 );
     }
-    void set( const char *value ) { csStatusReporterSetItemCstr( reporter.get(), "inStackAddress", -1, pb::string( value ).get() ); }
+    void set( const char *value )
+    {
+        csStatusReporterSetItemCstr( reporter.get(), "inStackAddress", -1, pb::string( value ).get() );
+    }
     void del( const char *key ) { csStatusReporterDelItemCstr( reporter.get(), key, -1 ); }
     std::string item() { return test::text( pb::adopt( csStatusReporterItems( reporter.get() ) ), "inStackAddress" ); }
 

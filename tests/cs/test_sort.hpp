@@ -36,8 +36,10 @@ using Store = pb::Ref<struct pbStore>;
 
 constexpr const char *Versions[] = { "V4", "V6", nullptr };
 constexpr const char *Flags[] = { "LOOPBACK", "QUIET", nullptr };
-constexpr csKey RangeKeys[] = { { "first", CS_KEY_INT, nullptr, 1, 65535 }, { "count", CS_KEY_INT, nullptr, 0, 65535 } };
-constexpr csKey ServerKeys[] = { { "host", CS_KEY_TEXT, "a lower-case name" }, { "weight", CS_KEY_INT, nullptr, 0, PB_INT_MAX } };
+constexpr csKey RangeKeys[] = { { "first", CS_KEY_INT, nullptr, 1, 65535 },
+                                { "count", CS_KEY_INT, nullptr, 0, 65535 } };
+constexpr csKey ServerKeys[] = { { "host", CS_KEY_TEXT, "a lower-case name" },
+                                 { "weight", CS_KEY_INT, nullptr, 0, PB_INT_MAX } };
 constexpr csKey ServerEntry[] = { { "", CS_KEY_STORE, nullptr, 0, 0, nullptr, ServerKeys, 2 } };
 constexpr csKey NameEntry[] = { { "", CS_KEY_TEXT, "a lower-case name" } };
 constexpr csKey PhoneKeys[] = {
@@ -69,14 +71,15 @@ inline std::string hostFrom( std::string host )
 {
     while ( host.ends_with( '.' ) )
         host.pop_back();
-    return std::any_of( host.begin(), host.end(), []( char c ) { return ( c < 'a' || c > 'z' ) && c != '.'; } ) ? "" : host;
+    return host.find_first_not_of( "abcdefghijklmnopqrstuvwxyz." ) == host.npos ? host : "";
 }
 // Sorted and without the invalid ones, as a set would hold them.
 inline Store namesFrom( const Store &names )
 {
     std::vector<std::string> kept;
     for ( pbInt i = 0; i < pbStoreArrayLength( names.get() ); ++i )
-        if ( const auto name = pb::adopt( pbStoreArrayValueAt( names.get(), i ) ); name && !hostFrom( pb::utf8( name ) ).empty() )
+        if ( const auto name = pb::adopt( pbStoreArrayValueAt( names.get(), i ) );
+             name && !hostFrom( pb::utf8( name ) ).empty() )
             kept.push_back( hostFrom( pb::utf8( name ) ) );
     std::sort( kept.begin(), kept.end() );
     auto result = pb::adopt( pbStoreCreate() );
@@ -148,9 +151,9 @@ class TestSort {
 public:
     explicit TestSort( bool withKeys = true )
         : sort( pb::adopt( csSortBackendCreate(
-            &test___sort_TEST_PHONE, tryCreate, []( struct pbObj *, pbBool ) { return pbStoreCreate(); },
-            []( struct pbObj *, struct pbStore * ) {}, normalize,
-            []( struct pbObj *obj ) { return static_cast<struct testPhone *>( obj )->status.share(); }, nullptr ) ) )
+              &test___sort_TEST_PHONE, tryCreate, []( struct pbObj *, pbBool ) { return pbStoreCreate(); },
+              []( struct pbObj *, struct pbStore * ) {}, normalize,
+              []( struct pbObj *obj ) { return static_cast<struct testPhone *>( obj )->status.share(); }, nullptr ) ) )
     {
         if ( withKeys )
             csSortBackendSetKeys( sort.get(), PhoneKeys, PB_SIZEOF_ARRAY( PhoneKeys ) );
