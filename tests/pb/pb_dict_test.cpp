@@ -199,6 +199,11 @@ TEST( RangeMap, ReplacesWhatItOverlaps )
     }
     EXPECT_EQ( unboxed( pb::adopt( pbRangeMapValue( map.get(), PB_INT_MIN ) ) ), 6 );
     EXPECT_EQ( unboxed( pb::adopt( pbRangeMapValue( map.get(), PB_INT_MAX ) ) ), 5 );
+    auto fresh = pb::adopt( pbRangeMapCreate() );
+    pbRangeMapSet( map.address(), PB_INT_MIN, PB_INT_MAX, boxed( 7 ).get() );
+    pbRangeMapSet( map.address(), PB_INT_MIN, PB_INT_MAX, boxed( 8 ).get() );
+    pbRangeMapSet( fresh.address(), PB_INT_MIN, PB_INT_MAX, boxed( 8 ).get() );
+    EXPECT_TRUE( pbRangeMapEquals( map.get(), fresh.get() ) );
 }
 
 } // namespace

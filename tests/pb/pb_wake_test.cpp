@@ -129,30 +129,32 @@ TEST( Barrier, IsOpenAtZero )
 
 TEST( Barrier, LetsEverybodyThroughWhateverOpensIt )
 {
-    const std::function<void( pbBarrier * )> openers[] = {
-        pbBarrierUnblock,
-        []( pbBarrier *subject ) {
+    using Opener = std::function<void( pbBarrier * subject, pbBarrier * passed )>;
+    const Opener openers[] = {
+        []( pbBarrier *subject, pbBarrier * ) { pbBarrierUnblock( subject ); },
+        []( pbBarrier *subject, pbBarrier * ) {
             const auto signal = pb::adopt( pbSignalCreate() );
             pbSignalAddBarrier( signal.get(), subject );
             pbSignalAssert( signal.get() );
         },
-        []( pbBarrier *subject ) {
+        []( pbBarrier *subject, pbBarrier * ) {
             const auto signalable = pb::adopt( pbSignalableCreateBarrier( subject ) );
             pbSignalableSignal( signalable.get() );
         },
-        []( pbBarrier *subject ) { // held back, and flushed by sleeping on another one
-            const auto never = barrier( 1 );
+        []( pbBarrier *subject, pbBarrier *passed ) { // the wakes held back are those that it goes on to wait for
             pb___WakesHoldBegin();
             pbBarrierUnblock( subject );
-            pbBarrierPassTimed( never.get(), 1 );
-            pbBarrierPass( subject );
+            pbBarrierPass( passed );
             pb___WakesHoldEnd();
         } };
-    for ( const auto &open : openers ) {
-        const auto subject = barrier( 1 );
-        const support::SleepingThread one( [&] { pbBarrierPass( subject.get() ); } );
-        const support::SleepingThread other( [&] { EXPECT_TRUE( pbBarrierPassTimed( subject.get(), PB_INT_MAX ) ); } );
-        open( subject.get() );
+    for ( const Opener &open : openers ) {
+        const auto subject = barrier( 1 ), passed = barrier( 2 );
+        const auto pass = [&] {
+            EXPECT_TRUE( pbBarrierPassTimed( subject.get(), PB_INT_MAX ) );
+            pbBarrierUnblock( passed.get() );
+        };
+        const support::SleepingThread one( pass ), other( pass );
+        open( subject.get(), passed.get() );
     }
 }
 
