@@ -15,8 +15,8 @@ namespace inctl {
 // What the command line has asked for.
 struct Context {
     Output output;
-    std::string jsonForm;         // of --json: "", "short" or "pretty"
-    std::function<Exit()> run;    // the sub-command, with its options
+    std::string jsonForm;      // of --json: "", "short" or "pretty"
+    std::function<Exit()> run; // the sub-command, with its options
 };
 
 // A sub-command with --json; examples are shown below its options.

@@ -50,7 +50,8 @@ void showChanges( Output &output, Waiter &waiter, std::map<std::string, Interfac
             inNwInterfaceUpdateAddSignalable( view.interface.get(), waiter.signalable() );
             view.state = pb::adopt( inNwInterfaceState( view.interface.get() ) );
             showChange( output, "added", Paint::Good, view );
-        } else if ( before->second.state != view.state )
+        }
+        else if ( before->second.state != view.state )
             showChange( output, "changed", Paint::Plain, view );
         current.emplace( view.name(), std::move( view ) );
     }

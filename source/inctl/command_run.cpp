@@ -1,5 +1,6 @@
 // inctl run: a configuration, live until a signal or the time ends it.
 #include "inctl/command.hpp"
+#include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
 #include "inctl/status_watch.hpp"
 #include "inctl/trace_sink.hpp"
@@ -54,7 +55,9 @@ void addRun( CLI::App &root, Context &context )
                     "A wrong file is refused whole, every mistake on a line FILE:LINE:COLUMN: error: ...\n" );
     auto options = std::make_shared<RunOptions>();
     command->add_option( "FILE", options->file, "The configuration, JSON with comments" )->required();
-    command->add_option( "--for", options->seconds, "End after so many seconds" )->check( CLI::Range( 0.0, 1e9 ) );
+    command->add_option( "--for", options->seconds, "End after so many seconds" )
+        ->type_name( "SECONDS" )
+        ->check( quiet( CLI::Range( 0.0, 1e9 ) ) );
     addTraceOptions( *command, options->trace );
     command->callback(
         [&context, options] { context.run = [&context, options] { return runFile( context.output, *options ); }; } );

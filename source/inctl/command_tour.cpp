@@ -7,8 +7,8 @@
 #include "inctl/interface_view.hpp"
 #include "inctl/marking.hpp"
 #include "inctl/qos_choice.hpp"
-#include "inctl/trace_catcher.hpp"
 #include "inctl/tour_example.hpp"
+#include "inctl/trace_catcher.hpp"
 #include "inctl/udp_opening.hpp"
 
 #include "in/qos/in_qos_options.h"
@@ -95,8 +95,8 @@ private:
         if ( address )
             ( inAddressIsLoopback( address.get() ) ? loopback_ : own_ ) = stack;
         table.add( { Cell( object.name, Paint::Strong ), Cell( object.sort ),
-                     up ? Cell( "up", Paint::Good ) : Cell( "down", Paint::Bad ), Cell( address ? text( address ) : "-" ),
-                     Cell( interface ) } );
+                     up ? Cell( "up", Paint::Good ) : Cell( "down", Paint::Bad ),
+                     Cell( address ? text( address ) : "-" ), Cell( interface ) } );
         record.set( "up", up ).set( "interface", interface );
         if ( address )
             record.set( "inStackAddress", text( address ) );
@@ -122,13 +122,14 @@ private:
         const auto far = openChannel( quietStack(), nullptr, IN_UDP_PORT_INVALID, 0 );
         const std::string nearText = text( pb::adopt( inUdpChannelLocalAddress( near.get() ) ) );
         const std::string farText = text( pb::adopt( inUdpChannelLocalAddress( far.get() ) ) );
-        heading( fmt::format( "{} datagrams of {} bytes, {} to {} and back, one at a time", datagramCount, datagramBytes,
-                              nearText, farText ) );
+        heading( fmt::format( "{} datagrams of {} bytes, {} to {} and back, one at a time", datagramCount,
+                              datagramBytes, nearText, farText ) );
         const Exchange result = exchange( near.get(), far.get(), datagramCount, datagramBytes, waiter_ );
-        output_.line( fmt::format( "{} sent, {} came back, {} lost; there and back p50 {:.0f} us, p99 {:.0f} us, max {:.0f} us; "
-                                   "{:.0f} datagrams/s",
-                                   result.sent, result.returned, result.lost(), result.median, result.percentile99,
-                                   result.maximum, result.perSecond() ) );
+        output_.line(
+            fmt::format( "{} sent, {} came back, {} lost; there and back p50 {:.0f} us, p99 {:.0f} us, max {:.0f} us; "
+                         "{:.0f} datagrams/s",
+                         result.sent, result.returned, result.lost(), result.median, result.percentile99,
+                         result.maximum, result.perSecond() ) );
         record_.set( "exchange", Record()
                                      .set( "sent", result.sent )
                                      .set( "returned", result.returned )
@@ -150,7 +151,9 @@ private:
         const int wanted = static_cast<int>( inQosOptionsLayer3Tos( options.get() ) );
         const auto channel = openChannel( quietStack(), qos_.get(), IN_UDP_PORT_INVALID, 0 );
         const Marking marking = readMarking( channel.get() );
-        const auto shown = []( const std::optional<int> &tos ) { return tos ? tosText( *tos ) : std::string( "unknown" ); };
+        const auto shown = []( const std::optional<int> &tos ) {
+            return tos ? tosText( *tos ) : std::string( "unknown" );
+        };
         output_.line( fmt::format( "asked for {}; the socket has {}, priority {}; a received datagram has {}",
                                    tosText( wanted ), shown( marking.socketTos ),
                                    marking.socketPriority ? std::to_string( *marking.socketPriority ) : "unknown",
@@ -194,8 +197,8 @@ void showTraces( Output &output, const TraceCatcher &catcher, Record &record )
     Record list;
     for ( const TraceCatcher::Caught &caught : catcher.handful( traceLines ) ) {
         const std::string text = shortened( caught.text, 110 );
-        output.line( fmt::format( "{}  {}", output.paint( Paint::Faint, fmt::format( "{}#{}", caught.name, caught.stream ) ),
-                                  text ) );
+        output.line( fmt::format(
+            "{}  {}", output.paint( Paint::Faint, fmt::format( "{}#{}", caught.name, caught.stream ) ), text ) );
         list.append( Record().set( "name", caught.name ).set( "stream", caught.stream ).set( "text", caught.text ) );
     }
     record.set( "traces", list );

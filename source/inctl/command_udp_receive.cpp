@@ -1,6 +1,7 @@
 // inctl udp receive: datagrams in, a line each, and back again with --echo.
 #include "inctl/command.hpp"
 #include "inctl/endpoint.hpp"
+#include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
 #include "inctl/interface_view.hpp"
 #include "inctl/preview.hpp"
@@ -57,7 +58,10 @@ public:
     }
     pb::Ref<struct inUdpPacket> receive() override { return pb::adopt( inUdpChannelReceive( channel_.get() ) ); }
     bool failed() const override { return inUdpChannelError( channel_.get() ); }
-    pb::Ref<struct inUdpAddress> local() const override { return pb::adopt( inUdpChannelLocalAddress( channel_.get() ) ); }
+    pb::Ref<struct inUdpAddress> local() const override
+    {
+        return pb::adopt( inUdpChannelLocalAddress( channel_.get() ) );
+    }
     void send( const struct inUdpPacket *packet ) override { inUdpChannelSend( channel_.get(), packet ); }
 
 private:
@@ -78,7 +82,10 @@ public:
         inUdpMulticastReceiverReceiveDelAlertable( receiver_.get(), waiter_.alertable() );
         inUdpMulticastReceiverErrorDelSignalable( receiver_.get(), waiter_.signalable() );
     }
-    pb::Ref<struct inUdpPacket> receive() override { return pb::adopt( inUdpMulticastReceiverReceive( receiver_.get() ) ); }
+    pb::Ref<struct inUdpPacket> receive() override
+    {
+        return pb::adopt( inUdpMulticastReceiverReceive( receiver_.get() ) );
+    }
     bool failed() const override { return inUdpMulticastReceiverError( receiver_.get() ); }
     pb::Ref<struct inUdpAddress> local() const override
     {
@@ -140,7 +147,8 @@ private:
             auto [rtp, rtcp] = openRtpPair( stack_->get(), qos_.get() );
             ears_.push_back( { "rtp", std::make_unique<ChannelEar>( std::move( rtp ), waiter_ ) } );
             ears_.push_back( { "rtcp", std::make_unique<ChannelEar>( std::move( rtcp ), waiter_ ) } );
-        } else
+        }
+        else
             ears_.push_back( { "", std::make_unique<ChannelEar>(
                                        openChannel( stack_->get(), qos_.get(), options_.port, 0 ), waiter_ ) } );
     }
@@ -152,8 +160,8 @@ private:
             throw Failure{ Exit::Usage, fmt::format( "--group: {} is no multicast address", options_.group ) };
         if ( !options_.stack.interface.empty() )
             requireInterface( options_.stack.interface );
-        ears_.push_back(
-            { "", std::make_unique<GroupEar>( openGroup( group.get(), options_.stack.interface, options_.port ), waiter_ ) } );
+        ears_.push_back( { "", std::make_unique<GroupEar>(
+                                   openGroup( group.get(), options_.stack.interface, options_.port ), waiter_ ) } );
     }
 
     bool enough() const { return options_.count && datagrams_ >= *options_.count; }
@@ -162,7 +170,9 @@ private:
     {
         const auto local = named.ear->local();
         output_.line( fmt::format( "Listening on {}{}{}", text( local ), *named.name ? " for " : "", named.name ) );
-        Record record = Record().set( "event", "listening" ).set( "localUdpAddress", pb::adopt( inUdpAddressStore( local.get() ) ) );
+        Record record = Record()
+                            .set( "event", "listening" )
+                            .set( "localUdpAddress", pb::adopt( inUdpAddressStore( local.get() ) ) );
         if ( *named.name )
             record.set( "channel", named.name );
         output_.record( record );
@@ -213,10 +223,10 @@ private:
 
     void summary( pbInt milliseconds )
     {
-        output_.line( fmt::format( "{} {}, {} bytes, from {}{} {}, in {:.1f} s", datagrams_,
-                                   datagrams_ == 1 ? "datagram" : "datagrams", bytes_,
-                                   peers_.size() < maximumPeers ? "" : "at least ", peers_.size(),
-                                   peers_.size() == 1 ? "peer" : "peers", static_cast<double>( milliseconds ) / 1000 ) );
+        output_.line( fmt::format(
+            "{} {}, {} bytes, from {}{} {}, in {:.1f} s", datagrams_, datagrams_ == 1 ? "datagram" : "datagrams",
+            bytes_, peers_.size() < maximumPeers ? "" : "at least ", peers_.size(),
+            peers_.size() == 1 ? "peer" : "peers", static_cast<double>( milliseconds ) / 1000 ) );
         output_.record( Record()
                             .set( "event", "summary" )
                             .set( "datagrams", datagrams_ )
@@ -260,13 +270,19 @@ void addUdpReceive( CLI::App &udp, Context &context )
                     "  inctl udp receive --count 1 --timeout 5000     exit 0 when a datagram came within 5 s\n" );
     auto options = std::make_shared<ReceiveOptions>();
     CLI::Option *port = command->add_option( "--port", options->port, "Listen on this port (else one that is free)" );
-    port->check( CLI::Range( 1, 65535 ) );
+    port->type_name( "PORT" )->check( quiet( CLI::Range( 1, 65535 ) ) );
     CLI::Option *echo = command->add_flag( "--echo", options->echo, "Send every datagram back" );
     CLI::Option *rtp = command->add_flag( "--rtp", options->rtp, "Open an even port for RTP and the next for RTCP" );
-    command->add_option( "--group", options->group, "Receive this multicast group" )->excludes( echo )->excludes( rtp );
-    command->add_option( "--count", options->count, "End after so many datagrams" )->check( CLI::Range( 1, 1'000'000'000 ) );
+    command->add_option( "--group", options->group, "Receive this multicast group" )
+        ->type_name( "ADDRESS" )
+        ->excludes( echo )
+        ->excludes( rtp );
+    command->add_option( "--count", options->count, "End after so many datagrams" )
+        ->type_name( "N" )
+        ->check( quiet( CLI::Range( 1, 1'000'000'000 ) ) );
     command->add_option( "--timeout", options->timeout, "End after so many milliseconds" )
-        ->check( CLI::Range( 0, 2'000'000'000 ) );
+        ->type_name( "MS" )
+        ->check( quiet( CLI::Range( 0, 2'000'000'000 ) ) );
     addStackOptions( *command, options->stack );
     addQosOptions( *command, options->qos );
     command->callback(

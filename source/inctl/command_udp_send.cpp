@@ -1,6 +1,7 @@
 // inctl udp send: datagrams out, and replies when they are awaited.
 #include "inctl/command.hpp"
 #include "inctl/endpoint.hpp"
+#include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
 #include "inctl/preview.hpp"
 #include "inctl/qos_choice.hpp"
@@ -61,7 +62,8 @@ public:
         : output_( output ), options_( options ), remote_( parseEndpoint( options.destination ) ),
           payload_( payloadOf( options ) ), address_( pb::adopt( inUdpAddressAddress( remote_.get() ) ) ),
           stack_( options.stack, address_.get() ), qos_( options.qos.stack() ),
-          channel_( openChannel( stack_.get(), qos_.get(), options.port, options.waitReply ? 0 : IN_UDP_FLAG_NO_RECEIVE ) ),
+          channel_(
+              openChannel( stack_.get(), qos_.get(), options.port, options.waitReply ? 0 : IN_UDP_FLAG_NO_RECEIVE ) ),
           local_( pb::adopt( inUdpChannelLocalAddress( channel_.get() ) ) )
     {
         const pbInt largest = inAddressIsV4( address_.get() ) ? largestV4 : largestV6;
@@ -165,7 +167,9 @@ private:
             output_.line( fmt::format( "{} {} sent{}", sent_, sent_ == 1 ? "datagram" : "datagrams",
                                        options_.waitReply ? fmt::format( ", {} answered", replies_ ) : "" ) );
         Record record;
-        record.set( "event", "summary" ).set( "datagrams", sent_ ).set( "byteCount", sent_ * pbBufferLength( payload_.get() ) );
+        record.set( "event", "summary" )
+            .set( "datagrams", sent_ )
+            .set( "byteCount", sent_ * pbBufferLength( payload_.get() ) );
         if ( options_.waitReply )
             record.set( "replies", replies_ );
         output_.record( record );
@@ -206,14 +210,23 @@ void addUdpSend( CLI::App &udp, Context &context )
     auto options = std::make_shared<SendOptions>();
     command->add_option( "HOST:PORT", options->destination, "Where to; IPv6 in brackets" )->required();
     command->add_option( "TEXT", options->text, "What to send" );
-    command->add_option( "--file", options->file, "Send the content of this file as one datagram" );
-    command->add_option( "--size", options->size, "Send this many counting bytes" )->check( CLI::Range( 0, 65527 ) );
-    command->add_option( "--count", options->count, "How many datagrams (1)" )->check( CLI::Range( 1, 1'000'000'000 ) );
+    command->add_option( "--file", options->file, "Send the content of this file as one datagram" )
+        ->type_name( "FILE" );
+    command->add_option( "--size", options->size, "Send this many counting bytes" )
+        ->type_name( "BYTES" )
+        ->check( quiet( CLI::Range( 0, 65527 ) ) );
+    command->add_option( "--count", options->count, "How many datagrams (1)" )
+        ->type_name( "N" )
+        ->check( quiet( CLI::Range( 1, 1'000'000'000 ) ) );
     command->add_option( "--interval", options->interval, "Milliseconds between two (20, the pace of voice)" )
-        ->check( CLI::Range( 0, 86'400'000 ) );
+        ->type_name( "MS" )
+        ->check( quiet( CLI::Range( 0, 86'400'000 ) ) );
     command->add_option( "--wait-reply", options->waitReply, "Wait so many milliseconds for a reply to each" )
-        ->check( CLI::Range( 0, 86'400'000 ) );
-    command->add_option( "--port", options->port, "Send from this local port" )->check( CLI::Range( 1, 65535 ) );
+        ->type_name( "MS" )
+        ->check( quiet( CLI::Range( 0, 86'400'000 ) ) );
+    command->add_option( "--port", options->port, "Send from this local port" )
+        ->type_name( "PORT" )
+        ->check( quiet( CLI::Range( 1, 65535 ) ) );
     addStackOptions( *command, options->stack );
     addQosOptions( *command, options->qos );
     command->callback(

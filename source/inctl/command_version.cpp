@@ -11,15 +11,17 @@ namespace {
 Exit showVersion( Output &output )
 {
     const pbModuleRecord &library = *modules().back()->record;
-    const std::string product = fmt::format( "{}.{}.{}", library.productVersion[0], library.productVersion[1],
-                                             library.productVersion[2] );
+    const std::string product =
+        fmt::format( "{}.{}.{}", library.productVersion[0], library.productVersion[1], library.productVersion[2] );
     Record modulesRecord;
     Table table{ { "MODULE" }, { "VERSION" }, { "DESCRIPTION" } };
     for ( const pbModule *module : modules() ) {
         const pbModuleRecord &record = *module->record;
         table.add( { Cell( record.name ), Cell( record.version ), Cell( record.description ) } );
-        modulesRecord.append(
-            Record().set( "name", record.name ).set( "version", record.version ).set( "description", record.description ) );
+        modulesRecord.append( Record()
+                                  .set( "name", record.name )
+                                  .set( "version", record.version )
+                                  .set( "description", record.description ) );
     }
     output.line( fmt::format( "{} {} ({} {}, built {})\n", output.paint( Paint::Strong, "inctl" ), library.version,
                               library.productName, product, library.buildTime ) );

@@ -19,8 +19,8 @@ Configuration::Configuration( const std::string &path )
 Configuration::Configuration( std::string_view text, const std::string &name )
 {
     struct pbVector *problems = nullptr;
-    struct csConfiguration *loaded = csConfigurationTryParse( text.data(), static_cast<pbInt>( text.size() ),
-                                                              pb::string( name ).get(), &problems );
+    struct csConfiguration *loaded =
+        csConfigurationTryParse( text.data(), static_cast<pbInt>( text.size() ), pb::string( name ).get(), &problems );
     accept( loaded, pb::adopt( problems ), name );
 }
 
@@ -68,7 +68,8 @@ pb::Ref<struct pbObj> Configuration::object( const std::string &name, const stru
     for ( const Object &object : objects() )
         if ( object.sort == pbSortName( sort ) )
             names.push_back( object.name );
-    throw Failure{ Exit::No, fmt::format( "no {} is named {}{}", pbSortName( sort ), name, suggestion( name, names ) ) };
+    throw Failure{ Exit::No,
+                   fmt::format( "no {} is named {}{}", pbSortName( sort ), name, suggestion( name, names ) ) };
 }
 
 } // namespace inctl

@@ -1,4 +1,5 @@
-// Configuration: a configuration file, loaded and checked at construction, its objects alive between start and destruction.
+// Configuration: a configuration file, loaded and checked at construction, its objects alive between start and
+// destruction.
 #ifndef INCTL_CONFIGURATION_HPP
 #define INCTL_CONFIGURATION_HPP
 
@@ -27,8 +28,8 @@ public:
     struct Object {
         std::string name;
         std::string sort;
-        pb::Ref<struct pbObj> object;             // null before start
-        pb::Ref<struct csStatusReporter> status;  // null for sorts that report nothing
+        pb::Ref<struct pbObj> object;            // null before start
+        pb::Ref<struct csStatusReporter> status; // null for sorts that report nothing
     };
     // In the order of the file.
     std::vector<Object> objects() const;

@@ -70,7 +70,8 @@ pb::Ref<struct inUdpAddress> parseEndpoint( const std::string &text )
     if ( bracketed )
         host = host.substr( 1, host.size() - 2 );
     if ( host.empty() || ( !bracketed && host.find( ':' ) != host.npos ) )
-        throw Failure{ Exit::Usage, fmt::format( "{} is not HOST:PORT; an IPv6 address goes in brackets, as in [::1]:5004", text ) };
+        throw Failure{ Exit::Usage,
+                       fmt::format( "{} is not HOST:PORT; an IPv6 address goes in brackets, as in [::1]:5004", text ) };
     if ( !port )
         throw Failure{ Exit::Usage, fmt::format( "{}: the port must be 1..65535", text ) };
     auto address = tryAddress( host );

@@ -15,8 +15,8 @@
 namespace inctl {
 namespace {
 
-constexpr pbInt patience = 250;         // milliseconds until a datagram counts as lost
-constexpr int lostInSuccession = 20;    // after which the rest is not tried
+constexpr pbInt patience = 250;      // milliseconds until a datagram counts as lost
+constexpr int lostInSuccession = 20; // after which the rest is not tried
 
 // Waits for a channel's packets. One thread passes; anyone opens.
 class Gate {
@@ -50,7 +50,9 @@ private:
 // Sends everything back that reaches the channel.
 class Echo {
 public:
-    explicit Echo( struct inUdpChannel *channel ) : channel_( channel ), gate_( channel ), thread_( [this] { run(); } ) {}
+    explicit Echo( struct inUdpChannel *channel ) : channel_( channel ), gate_( channel ), thread_( [this] { run(); } )
+    {
+    }
     ~Echo()
     {
         stop_ = true;
@@ -87,7 +89,8 @@ bool awaitNumber( struct inUdpChannel *channel, Gate &gate, uint64_t number )
             if ( answered == number )
                 return true; // others were given up before
         }
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>( deadline - Waiter::Clock::now() ).count();
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>( deadline - Waiter::Clock::now() ).count();
         if ( left <= 0 || inUdpChannelError( channel ) )
             return false;
         gate.pass( left );
@@ -121,7 +124,8 @@ Exchange exchange( struct inUdpChannel *near, struct inUdpChannel *far, pbInt co
         if ( awaitNumber( near, gate, number ) ) {
             trips.push_back( std::chrono::duration<double, std::micro>( Waiter::Clock::now() - sentAt ).count() );
             missing = 0;
-        } else
+        }
+        else
             ++missing;
     }
     result.seconds = std::chrono::duration<double>( Waiter::Clock::now() - start ).count();

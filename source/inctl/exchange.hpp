@@ -19,7 +19,8 @@ struct Exchange {
     double perSecond() const { return seconds > 0 ? 2 * static_cast<double>( returned ) / seconds : 0; }
 };
 
-// byteCount >= 8. A thread of its own answers behind far. Ends early when nothing comes back any more or a person stops it.
+// byteCount >= 8. A thread of its own answers behind far. Ends early when nothing comes back any more or a person stops
+// it.
 Exchange exchange( struct inUdpChannel *near, struct inUdpChannel *far, pbInt count, pbInt byteCount, Waiter &waiter );
 
 } // namespace inctl

@@ -1,4 +1,5 @@
-// The exit codes of inctl, and Failure: what ended a command, as a sentence for a person and the code that goes with it.
+// The exit codes of inctl, and Failure: what ended a command, as a sentence for a person and the code that goes with
+// it.
 #ifndef INCTL_EXIT_CODE_HPP
 #define INCTL_EXIT_CODE_HPP
 
@@ -8,10 +9,10 @@ namespace inctl {
 
 enum class Exit : int {
     Yes = 0,
-    No = 1,            // the answer is no: nothing found, nothing came
+    No = 1, // the answer is no: nothing found, nothing came
     Usage = 2,
     Configuration = 3,
-    Permission = 4,    // the sentence names the missing capability
+    Permission = 4, // the sentence names the missing capability
     System = 5,
 };
 

@@ -30,6 +30,9 @@ Host::Host()
         throw Failure{ Exit::System, fmt::format( "the modules do not start: {}", pb::utf8( reason ) ) };
 }
 
-Host::~Host() { pbHostShutdown( host_.get() ); }
+Host::~Host()
+{
+    pbHostShutdown( host_.get() );
+}
 
 } // namespace inctl

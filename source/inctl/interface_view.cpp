@@ -60,8 +60,8 @@ std::string texts( const pb::Ref<struct pbVector> &vector, const char *separator
 {
     std::string text;
     for ( pbInt i = 0; i < pbVectorLength( vector.get() ); ++i )
-        text += ( i ? separator : "" )
-                + pb::utf8( pb::adopt( pbObjToString( pb::adopt( pbVectorObjAt( vector.get(), i ) ).get() ) ) );
+        text += ( i ? separator : "" ) +
+                pb::utf8( pb::adopt( pbObjToString( pb::adopt( pbVectorObjAt( vector.get(), i ) ).get() ) ) );
     return text.empty() ? "-" : text;
 }
 
@@ -82,7 +82,10 @@ InterfaceView::InterfaceView( pb::Ref<struct inNwInterface> of )
 {
 }
 
-std::string InterfaceView::name() const { return pb::utf8( pb::adopt( inNwInterfaceIdentifier( interface.get() ) ) ); }
+std::string InterfaceView::name() const
+{
+    return pb::utf8( pb::adopt( inNwInterfaceIdentifier( interface.get() ) ) );
+}
 
 Record InterfaceView::record() const
 {
@@ -93,7 +96,8 @@ Record InterfaceView::record() const
 
 std::string InterfaceView::line() const
 {
-    return fmt::format( "{}, {}, MTU {}, {}", statusText( state.get() ), speedText( state.get() ), mtuText( state.get() ),
+    return fmt::format( "{}, {}, MTU {}, {}", statusText( state.get() ), speedText( state.get() ),
+                        mtuText( state.get() ),
                         texts( pb::adopt( inNwInterfaceStateLayer3UnicastAddressesVector( state.get() ) ), " " ) );
 }
 
@@ -116,7 +120,8 @@ void requireInterface( const std::string &name )
 
 void printInterfaces( Output &output, const std::vector<InterfaceView> &views )
 {
-    Table table{ { "NAME" }, { "STATE" }, { "MAC" }, { "MTU", true }, { "SPEED", true }, { "ADDRESSES" }, { "NETWORKS" } };
+    Table table{ { "NAME" },        { "STATE" },     { "MAC" },     { "MTU", true },
+                 { "SPEED", true }, { "ADDRESSES" }, { "NETWORKS" } };
     for ( const InterfaceView &view : views ) {
         const struct inNwInterfaceState *state = view.state.get();
         table.add( { Cell( view.name(), Paint::Strong ), Cell( statusText( state ), statusPaint( state ) ),

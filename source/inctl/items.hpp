@@ -10,8 +10,7 @@
 namespace inctl {
 
 // from is the type's From, which checks the sort of each element.
-template <class T>
-std::vector<pb::Ref<T>> items( const pb::Ref<struct pbVector> &vector, T *( *from )( struct pbObj * ) )
+template <class T> std::vector<pb::Ref<T>> items( const pb::Ref<struct pbVector> &vector, T *( *from )(struct pbObj *))
 {
     std::vector<pb::Ref<T>> result;
     for ( pbInt i = 0; i < pbVectorLength( vector.get() ); ++i )

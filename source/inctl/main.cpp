@@ -1,6 +1,7 @@
 // inctl: the host program of Internetworking. Reads the command line, runs the sub-command, turns failures into
 // sentences and exit codes.
 #include "inctl/command.hpp"
+#include "inctl/help_formatter.hpp"
 #include "inctl/nearest.hpp"
 #include "inctl/waiter.hpp"
 
@@ -55,9 +56,12 @@ std::string explain( const CLI::App &app, const CLI::ParseError &error )
                                 near.empty() ? "" : suggestion( name, optionNames( command ) ) );
         }
     if ( !remaining.empty() && !commandNames( command ).empty() )
-        return fmt::format( "unknown sub-command {}{}", remaining[0], suggestion( remaining[0], commandNames( command ) ) );
+        return fmt::format( "unknown sub-command {}{}", remaining[0],
+                            suggestion( remaining[0], commandNames( command ) ) );
     if ( !remaining.empty() )
         return fmt::format( "unexpected argument {}", remaining[0] );
+    if ( error.get_name() == "RequiredError" && !commandNames( command ).empty() )
+        return fmt::format( "a sub-command is missing{}", suggestion( "", commandNames( command ) ) );
     return error.what();
 }
 
@@ -79,8 +83,7 @@ Exit parse( CLI::App &app, Context &context, int argumentCount, char **arguments
     try {
         app.parse( argumentCount, arguments );
         if ( !context.jsonForm.empty() )
-            context.output.form =
-                context.jsonForm == "pretty" ? Output::Form::JsonPretty : Output::Form::JsonShort;
+            context.output.form = context.jsonForm == "pretty" ? Output::Form::JsonPretty : Output::Form::JsonShort;
         return Exit::Yes;
     } catch ( const CLI::Success &success ) { // --help
         app.exit( success );
@@ -100,13 +103,13 @@ Exit run( int argumentCount, char **arguments )
     Context context;
     CLI::App app( "Shows and runs the host's IP networking as communications servers see it.", "inctl" );
     app.require_subcommand( 1 );
-    app.get_formatter()->column_width( 32 );
+    app.formatter( std::make_shared<HelpFormatter>() );
     app.failure_message( CLI::FailureMessage::simple );
-    app.footer( std::string( exitCodes )
-                + "\nBegin with:\n"
-                  "  inctl tour                     what it does, on this host, in a few seconds\n"
-                  "  inctl interfaces               what the host has\n"
-                  "  inctl run examples/sip.json    a configuration, live\n" );
+    app.footer( std::string( exitCodes ) +
+                "\nBegin with:\n"
+                "  inctl tour                     what it does, on this host, in a few seconds\n"
+                "  inctl interfaces               what the host has\n"
+                "  inctl run examples/sip.json    a configuration, live\n" );
     addJsonOption( app, context );
     addInterfaces( app, context );
     addDnsServers( app, context );
@@ -119,6 +122,10 @@ Exit run( int argumentCount, char **arguments )
     addTour( app, context );
     addVersion( app, context );
 
+    if ( argumentCount < 2 ) {
+        fmt::print( "{}", app.help() );
+        return Exit::Usage;
+    }
     const Exit parsed = parse( app, context, argumentCount, arguments );
     if ( !context.run )
         return parsed;
@@ -134,8 +141,9 @@ Exit run( int argumentCount, char **arguments )
 
 void addJsonOption( CLI::App &command, Context &context )
 {
-    command.add_flag( "--json{short}", context.jsonForm, "JSON instead of text: --json=short (one line) or --json=pretty" )
-        ->check( CLI::IsMember( { "short", "pretty" } ) );
+    command.add_flag( "--json{short}", context.jsonForm, "JSON instead of text, short (one line) or pretty" )
+        ->type_name( "FORM" )
+        ->check( quiet( CLI::IsMember( { "short", "pretty" } ) ) );
 }
 
 CLI::App *addCommand( CLI::App &parent, Context &context, const std::string &name, const std::string &description,

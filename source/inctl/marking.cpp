@@ -36,7 +36,8 @@ struct Endpoint {
             in4.sin_port = port;
             std::memcpy( &in4.sin_addr, inAddressBacking( address.get() ), sizeof in4.sin_addr );
             length = sizeof in4;
-        } else {
+        }
+        else {
             auto &in6 = reinterpret_cast<sockaddr_in6 &>( storage );
             in6.sin6_family = AF_INET6;
             in6.sin6_port = port;
@@ -66,9 +67,9 @@ std::optional<int> descriptorOf( const Endpoint &endpoint )
         std::from_chars( name.data(), name.data() + name.size(), descriptor );
         sockaddr_storage bound{};
         socklen_t length = sizeof bound;
-        if ( option( descriptor, SOL_SOCKET, SO_TYPE ) == SOCK_DGRAM
-             && getsockname( descriptor, reinterpret_cast<sockaddr *>( &bound ), &length ) == 0
-             && length == endpoint.length && std::memcmp( &bound, &endpoint.storage, length ) == 0 )
+        if ( option( descriptor, SOL_SOCKET, SO_TYPE ) == SOCK_DGRAM &&
+             getsockname( descriptor, reinterpret_cast<sockaddr *>( &bound ), &length ) == 0 &&
+             length == endpoint.length && std::memcmp( &bound, &endpoint.storage, length ) == 0 )
             return descriptor;
     }
     return std::nullopt;
@@ -108,14 +109,14 @@ std::optional<int> receivedTos( struct inUdpChannel *channel, Endpoint beside )
     if ( descriptor < 0 )
         return std::nullopt;
     const int on = 1;
-    setsockopt( descriptor, beside.isV4() ? IPPROTO_IP : IPPROTO_IPV6, beside.isV4() ? IP_RECVTOS : IPV6_RECVTCLASS, &on,
-                sizeof on );
+    setsockopt( descriptor, beside.isV4() ? IPPROTO_IP : IPPROTO_IPV6, beside.isV4() ? IP_RECVTOS : IPV6_RECVTCLASS,
+                &on, sizeof on );
     // The port lies at the same place in both forms of an address.
     auto &in4 = reinterpret_cast<sockaddr_in &>( beside.storage );
     in4.sin_port = 0;
     std::optional<int> tos;
-    if ( bind( descriptor, reinterpret_cast<const sockaddr *>( &beside.storage ), beside.length ) == 0
-         && getsockname( descriptor, reinterpret_cast<sockaddr *>( &beside.storage ), &beside.length ) == 0 ) {
+    if ( bind( descriptor, reinterpret_cast<const sockaddr *>( &beside.storage ), beside.length ) == 0 &&
+         getsockname( descriptor, reinterpret_cast<sockaddr *>( &beside.storage ), &beside.length ) == 0 ) {
         const auto local = pb::adopt( inUdpChannelLocalAddress( channel ) );
         const auto address = pb::adopt( inUdpAddressAddress( local.get() ) );
         const auto target = pb::adopt( inUdpAddressCreate( address.get(), ntohs( in4.sin_port ) ) );

@@ -48,7 +48,7 @@ std::vector<std::string> nearestNames( std::string_view name, const std::vector<
         if ( begun || ( errors <= allowed && errors < std::max( typed.size(), candidate.size() ) ) )
             near.emplace_back( begun ? 1 : errors, candidate );
     }
-    std::stable_sort( near.begin(), near.end(), []( const auto &a, const auto &b ) { return a.first < b.first; } );
+    std::sort( near.begin(), near.end() );
     std::vector<std::string> result;
     for ( size_t i = 0; i < near.size() && i < 3 && near[i].first <= near[0].first + 1; ++i )
         result.push_back( near[i].second );

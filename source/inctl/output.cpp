@@ -58,8 +58,8 @@ std::string Output::paint( Paint paint, std::string_view text ) const
 void Output::write( std::string_view text )
 {
     // Flushed line by line: the output is followed live, by people and by scripts.
-    if ( std::fwrite( text.data(), 1, text.size(), stdout ) != text.size() || std::fputc( '\n', stdout ) == EOF
-         || std::fflush( stdout ) != 0 )
+    if ( std::fwrite( text.data(), 1, text.size(), stdout ) != text.size() || std::fputc( '\n', stdout ) == EOF ||
+         std::fflush( stdout ) != 0 )
         broken_ = true;
 }
 
@@ -80,22 +80,26 @@ void Output::failure( const Failure &failure )
     const bool colour = wantsColour( STDERR_FILENO );
     // A bad configuration comes as lines that editors and compilers' readers understand; they stand for themselves.
     const std::string_view prefix = failure.exit == Exit::Configuration ? "" : "inctl: ";
-    fmt::print( stderr, "{}{}\n", colour && !prefix.empty() ? painted( Paint::Bad, prefix ) : prefix, failure.sentence );
+    fmt::print( stderr, "{}{}\n", colour && !prefix.empty() ? painted( Paint::Bad, prefix ) : prefix,
+                failure.sentence );
     record( Record().set( "error", failure.sentence ) );
 }
 
 std::string timeOfDay()
 {
     const auto now = std::chrono::system_clock::now();
-    const auto fraction = std::chrono::duration_cast<std::chrono::milliseconds>( now.time_since_epoch() ).count() % 1000;
+    const auto fraction =
+        std::chrono::duration_cast<std::chrono::milliseconds>( now.time_since_epoch() ).count() % 1000;
     return fmt::format( "{:%H:%M:%S}.{:03}", fmt::localtime( std::chrono::system_clock::to_time_t( now ) ), fraction );
 }
 
 std::string timeStamp()
 {
     const auto now = std::chrono::system_clock::now();
-    const auto fraction = std::chrono::duration_cast<std::chrono::microseconds>( now.time_since_epoch() ).count() % 1000000;
-    return fmt::format( "{:%Y-%m-%dT%H:%M:%S}.{:06}Z", fmt::gmtime( std::chrono::system_clock::to_time_t( now ) ), fraction );
+    const auto fraction =
+        std::chrono::duration_cast<std::chrono::microseconds>( now.time_since_epoch() ).count() % 1000000;
+    return fmt::format( "{:%Y-%m-%dT%H:%M:%S}.{:06}Z", fmt::gmtime( std::chrono::system_clock::to_time_t( now ) ),
+                        fraction );
 }
 
 } // namespace inctl

@@ -1,6 +1,8 @@
 // How a command's datagrams are marked.
 #include "inctl/qos_choice.hpp"
 
+#include "inctl/help_formatter.hpp"
+
 #include "in/qos/in_qos_defaults.h"
 #include "in/qos/in_qos_options.h"
 
@@ -33,11 +35,16 @@ pb::Ref<struct inQosStack> QosChoice::stack() const
 void addQosOptions( CLI::App &command, QosChoice &choice )
 {
     command.add_option( "--qos", choice.profile, "Mark as none, ipc, voice or signaling" )
-        ->check( CLI::IsMember( { "none", "ipc", "voice", "signaling" } ) );
+        ->type_name( "PROFILE" )
+        ->check( quiet( CLI::IsMember( { "none", "ipc", "voice", "signaling" } ) ) );
     command.add_option( "--tos", choice.tos, "Mark with this TOS or traffic class byte, 0..255 or 0x00..0xFF" )
-        ->check( CLI::Range( 0, 255 ) );
+        ->type_name( "BYTE" )
+        ->check( quiet( CLI::Range( 0, 255 ) ) );
 }
 
-std::string tosText( pbInt tos ) { return fmt::format( "0x{:02X} (DSCP {})", tos, tos >> 2 ); }
+std::string tosText( pbInt tos )
+{
+    return fmt::format( "0x{:02X} (DSCP {})", tos, tos >> 2 );
+}
 
 } // namespace inctl

@@ -6,12 +6,18 @@
 namespace inctl {
 namespace {
 
-constexpr csKey text( const char *key ) { return { key, CS_KEY_TEXT, nullptr, 0, 0, nullptr, nullptr, 0 }; }
+constexpr csKey text( const char *key )
+{
+    return { key, CS_KEY_TEXT, nullptr, 0, 0, nullptr, nullptr, 0 };
+}
 template <size_t Count> constexpr csKey store( const char *key, const csKey ( &keys )[Count] )
 {
     return { key, CS_KEY_STORE, nullptr, 0, 0, nullptr, keys, Count };
 }
-constexpr csKey array( const char *key, const csKey &entry ) { return { key, CS_KEY_ARRAY, nullptr, 0, 0, nullptr, &entry, 1 }; }
+constexpr csKey array( const char *key, const csKey &entry )
+{
+    return { key, CS_KEY_ARRAY, nullptr, 0, 0, nullptr, &entry, 1 };
+}
 
 constexpr csKey anyText = text( "" );
 
@@ -31,10 +37,18 @@ constexpr csKey traceEntry = store( "", traceKeys );
 
 // Of all records together: a key means the same in each.
 constexpr csKey recordKeys[] = {
-    text( "error" ),        text( "name" ),           text( "version" ),
-    text( "description" ),  text( "productName" ),    text( "productVersion" ),
-    text( "identifier" ),   text( "sort" ),           text( "text" ),
-    text( "key" ),          text( "value" ),          text( "payload" ),
+    text( "error" ),
+    text( "name" ),
+    text( "version" ),
+    text( "description" ),
+    text( "productName" ),
+    text( "productVersion" ),
+    text( "identifier" ),
+    text( "sort" ),
+    text( "text" ),
+    text( "key" ),
+    text( "value" ),
+    text( "payload" ),
     store( "state", stateKeys ),
     array( "interfaces", interfaceEntry ),
     array( "modules", moduleEntry ),
@@ -47,7 +61,8 @@ constexpr csKey recordKeys[] = {
 
 std::string jsonText( const Record &record, pbInt style )
 {
-    return pb::utf8( pb::adopt( csJsonFromStoreWithKeys( record.store(), style, recordKeys, PB_SIZEOF_ARRAY( recordKeys ) ) ) );
+    return pb::utf8(
+        pb::adopt( csJsonFromStoreWithKeys( record.store(), style, recordKeys, PB_SIZEOF_ARRAY( recordKeys ) ) ) );
 }
 
 } // namespace inctl

@@ -1,5 +1,5 @@
-// The kinds of the keys that inctl's records hold, so that JSON shows them right: texts that look like numbers as texts,
-// empty lists as lists.
+// The kinds of the keys that inctl's records hold, so that JSON shows them right: texts that look like numbers as
+// texts, empty lists as lists.
 #ifndef INCTL_RECORD_KEYS_HPP
 #define INCTL_RECORD_KEYS_HPP
 

@@ -22,8 +22,7 @@ void setPorts( Options &options, const std::string &ports )
 {
     const PortSpan span = parsePorts( "--ports", ports );
     auto udpOptions = pb::adopt( inUdpOptionsCreate() );
-    inUdpOptionsSetPortRange( udpOptions.address(),
-                              pb::adopt( inUdpPortRangeCreate( span.first, span.count ) ).get() );
+    inUdpOptionsSetPortRange( udpOptions.address(), pb::adopt( inUdpPortRangeCreate( span.first, span.count ) ).get() );
     inOptionsSetUdpOptions( options.address(), udpOptions.get() );
 }
 
@@ -50,11 +49,17 @@ Options optionsOf( const StackChoice &choice, const struct inAddress *optionalPe
 
 void addStackOptions( CLI::App &command, StackChoice &choice )
 {
-    CLI::Option *fromStack = command.add_option( "--from-stack", choice.fromStack,
-                                                 "FILE:OBJECT, a stack of a configuration file" );
-    command.add_option( "--interface", choice.interface, "Use an address of this interface" )->excludes( fromStack );
-    command.add_option( "--address", choice.address, "Use this address of the host" )->excludes( fromStack );
-    command.add_option( "--ports", choice.ports, "FIRST-LAST, take the local port from this range" )->excludes( fromStack );
+    CLI::Option *fromStack = command.add_option( "--from-stack", choice.fromStack, "A stack of a configuration file" );
+    fromStack->type_name( "FILE:OBJECT" );
+    command.add_option( "--interface", choice.interface, "Use an address of this interface" )
+        ->type_name( "NAME" )
+        ->excludes( fromStack );
+    command.add_option( "--address", choice.address, "Use this address of the host" )
+        ->type_name( "ADDRESS" )
+        ->excludes( fromStack );
+    command.add_option( "--ports", choice.ports, "Take the local port from this range" )
+        ->type_name( "FIRST-LAST" )
+        ->excludes( fromStack );
 }
 
 ChosenStack::ChosenStack( const StackChoice &choice, const struct inAddress *optionalPeer )
@@ -68,7 +73,8 @@ ChosenStack::ChosenStack( const StackChoice &choice, const struct inAddress *opt
         throw Failure{ Exit::Usage, fmt::format( "--from-stack: {} is not FILE:OBJECT", choice.fromStack ) };
     configuration_ = std::make_unique<Configuration>( choice.fromStack.substr( 0, colon ) );
     configuration_->start();
-    stack_ = pb::adopt( inStackFrom( configuration_->object( choice.fromStack.substr( colon + 1 ), inStackSort() ).release() ) );
+    stack_ = pb::adopt(
+        inStackFrom( configuration_->object( choice.fromStack.substr( colon + 1 ), inStackSort() ).release() ) );
 }
 
 } // namespace inctl

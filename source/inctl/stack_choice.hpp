@@ -19,7 +19,7 @@ struct StackChoice {
     std::string fromStack; // FILE:OBJECT
     std::string interface;
     std::string address;
-    std::string ports;     // FIRST-LAST
+    std::string ports; // FIRST-LAST
 };
 
 void addStackOptions( CLI::App &command, StackChoice &choice );

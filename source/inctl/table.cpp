@@ -27,15 +27,18 @@ const char *scolsColour( Paint paint )
 
 } // namespace
 
-void Table::Unreference::operator()( libscols_table *table ) const { scols_unref_table( table ); }
+void Table::Unreference::operator()( libscols_table *table ) const
+{
+    scols_unref_table( table );
+}
 
 Table::Table( std::initializer_list<Column> columns ) : table_( scols_new_table() )
 {
     if ( !table_ )
         throw std::bad_alloc();
     for ( const Column &column : columns ) {
-        libscols_column *added = scols_table_new_column( table_.get(), column.heading, 0,
-                                                         column.right ? SCOLS_FL_RIGHT : SCOLS_FL_WRAP );
+        libscols_column *added =
+            scols_table_new_column( table_.get(), column.heading, 0, column.right ? SCOLS_FL_RIGHT : SCOLS_FL_WRAP );
         if ( !added )
             throw std::bad_alloc();
         // Cells break at their line feeds, and nowhere else.

@@ -16,9 +16,15 @@ constexpr size_t kept = 1000;
 
 } // namespace
 
-TraceCatcher::TraceCatcher() { trSystemSetListener( listen, this ); }
+TraceCatcher::TraceCatcher()
+{
+    trSystemSetListener( listen, this );
+}
 
-TraceCatcher::~TraceCatcher() { trSystemSetListener( nullptr, nullptr ); }
+TraceCatcher::~TraceCatcher()
+{
+    trSystemSetListener( nullptr, nullptr );
+}
 
 void TraceCatcher::listen( const struct trEvent *event, void *context )
 {

@@ -25,7 +25,8 @@ public:
     TraceCatcher( const TraceCatcher & ) = delete;
     TraceCatcher &operator=( const TraceCatcher & ) = delete;
 
-    // In the order of time: of every kind of stream, its first text, property and configuration, up to the given number.
+    // In the order of time: of every kind of stream, its first text, property and configuration, up to the given
+    // number.
     std::vector<Caught> handful( size_t number ) const;
     size_t count() const;
 

@@ -2,6 +2,7 @@
 #include "inctl/trace_sink.hpp"
 
 #include "inctl/exit_code.hpp"
+#include "inctl/help_formatter.hpp"
 #include "inctl/preview.hpp"
 #include "inctl/record_keys.hpp"
 
@@ -23,11 +24,13 @@ namespace {
 // Lines that wait for the writing thread; beyond it the oldest are given up, and counted.
 constexpr size_t queuedLines = 16384;
 
-constexpr const char *kindNames[] = { "created", "released", "text", "message", "property", "configuration", "notable", "linked" };
+constexpr const char *kindNames[] = { "created",  "released",      "text",    "message",
+                                      "property", "configuration", "notable", "linked" };
 
 std::string timeText( pbInt nanoseconds )
 {
-    return fmt::format( "{:%Y-%m-%dT%H:%M:%S}.{:06}Z", fmt::gmtime( static_cast<time_t>( nanoseconds / 1'000'000'000 ) ),
+    return fmt::format( "{:%Y-%m-%dT%H:%M:%S}.{:06}Z",
+                        fmt::gmtime( static_cast<time_t>( nanoseconds / 1'000'000'000 ) ),
                         nanoseconds % 1'000'000'000 / 1000 );
 }
 
@@ -64,9 +67,10 @@ std::string traceText( const struct trEvent &event )
     case TR_EVENT_MESSAGE:
         return fmt::format( "{}  {}", pb::utf8( event.text ), event.payload ? preview( event.payload ) : "" );
     case TR_EVENT_PROPERTY:
-        return fmt::format( "{} = {}", pb::utf8( event.key ), event.value   ? pb::utf8( event.value )
-                                                              : event.store ? json( event.store )
-                                                                            : "(gone)" );
+        return fmt::format( "{} = {}", pb::utf8( event.key ),
+                            event.value   ? pb::utf8( event.value )
+                            : event.store ? json( event.store )
+                                          : "(gone)" );
     case TR_EVENT_CONFIGURATION:
         return fmt::format( "configuration {}", event.store ? json( event.store ) : "{}" );
     case TR_EVENT_NOTABLE:
@@ -80,9 +84,11 @@ std::string traceText( const struct trEvent &event )
 
 void addTraceOptions( CLI::App &command, TraceChoice &choice )
 {
-    command.add_flag( "--trace{-}", choice.target, "Trace to standard error, or --trace=FILE" );
+    command.add_flag( "--trace{-}", choice.target, "Trace to standard error, or to the end of a file" )
+        ->type_name( "FILE" );
     command.add_option( "--trace-format", choice.format, "text or json (an object a line)" )
-        ->check( CLI::IsMember( { "text", "json" } ) );
+        ->type_name( "FORM" )
+        ->check( quiet( CLI::IsMember( { "text", "json" } ) ) );
     command.add_flag( "--trace-packets", choice.packets, "Trace every datagram with its bytes too" );
 }
 

@@ -155,9 +155,11 @@ Failure channelRefusal( const struct inStack *stack, pbInt port, bool pair )
 
 } // namespace
 
-pb::Ref<struct inUdpChannel> openChannel( struct inStack *stack, struct inQosStack *optionalQos, pbInt port, uint64_t flags )
+pb::Ref<struct inUdpChannel> openChannel( struct inStack *stack, struct inQosStack *optionalQos, pbInt port,
+                                          uint64_t flags )
 {
-    if ( auto channel = pb::adopt( inUdpChannelTryCreate( stack, optionalQos, nullptr, nullptr, port, flags, nullptr ) ) )
+    if ( auto channel =
+             pb::adopt( inUdpChannelTryCreate( stack, optionalQos, nullptr, nullptr, port, flags, nullptr ) ) )
         return channel;
     throw channelRefusal( stack, port, false );
 }
@@ -172,7 +174,8 @@ std::pair<pb::Ref<struct inUdpChannel>, pb::Ref<struct inUdpChannel>> openRtpPai
     return { channels.at( 0 ), channels.at( 1 ) };
 }
 
-pb::Ref<struct inUdpMulticastReceiver> openGroup( const struct inAddress *group, const std::string &interface, pbInt port )
+pb::Ref<struct inUdpMulticastReceiver> openGroup( const struct inAddress *group, const std::string &interface,
+                                                  pbInt port )
 {
     const pb::String name = interface.empty() ? pb::String() : pb::string( interface );
     if ( auto receiver = pb::adopt( inUdpMulticastReceiverTryCreate( group, name.get(), port, nullptr ) ) )
@@ -181,7 +184,8 @@ pb::Ref<struct inUdpMulticastReceiver> openGroup( const struct inAddress *group,
     const std::string groupText = pb::utf8( pb::adopt( inAddressToString( group ) ) );
     // Joining is refused so when no interface has a route for multicast.
     if ( error == ENODEV || error == EADDRNOTAVAIL )
-        throw Failure{ Exit::System, fmt::format( "no interface takes the group {}; name one with --interface", groupText ) };
+        throw Failure{ Exit::System,
+                       fmt::format( "no interface takes the group {}; name one with --interface", groupText ) };
     throw systemRefusal( error, groupText, port );
 }
 

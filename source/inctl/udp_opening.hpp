@@ -16,11 +16,13 @@ struct inAddress;
 namespace inctl {
 
 // All throw Failure. port is IN_UDP_PORT_INVALID where the stack's range or the system shall choose.
-pb::Ref<struct inUdpChannel> openChannel( struct inStack *stack, struct inQosStack *optionalQos, pbInt port, uint64_t flags );
+pb::Ref<struct inUdpChannel> openChannel( struct inStack *stack, struct inQosStack *optionalQos, pbInt port,
+                                          uint64_t flags );
 // RTP first.
 std::pair<pb::Ref<struct inUdpChannel>, pb::Ref<struct inUdpChannel>> openRtpPair( struct inStack *stack,
                                                                                    struct inQosStack *optionalQos );
-pb::Ref<struct inUdpMulticastReceiver> openGroup( const struct inAddress *group, const std::string &interface, pbInt port );
+pb::Ref<struct inUdpMulticastReceiver> openGroup( const struct inAddress *group, const std::string &interface,
+                                                  pbInt port );
 
 } // namespace inctl
 

@@ -1,4 +1,5 @@
-// Waiter: a signalfd for SIGINT and SIGTERM, an eventfd that the library's signals and alerts write, and poll() on both.
+// Waiter: a signalfd for SIGINT and SIGTERM, an eventfd that the library's signals and alerts write, and poll() on
+// both.
 #include "inctl/waiter.hpp"
 
 #include "inctl/exit_code.hpp"
@@ -73,7 +74,10 @@ Waiter::Waiter() : wake_( pb::make<Wake>() )
     alertable_ = pb::adopt( pb___AlertableCreate( Wake::wake, wake_.get() ) );
 }
 
-Waiter::~Waiter() { close( signals_ ); }
+Waiter::~Waiter()
+{
+    close( signals_ );
+}
 
 Waiter::Woken Waiter::wait( std::optional<Clock::time_point> deadline )
 {

@@ -11,7 +11,7 @@ load common
     expect 2 'option --jsno; did you mean --json' version --jsno=pretty
     expect 2 'unknown option --zzzzzzz$' version --zzzzzzz
     expect 2 'unexpected argument lo1' interfaces lo lo1
-    expect 2 'subcommand is required' udp
+    expect 2 'sub-command is missing; there are send and receive' udp
     expect 2 'json' version --json=neat
     expect 2 'FILE is required' run
     expect 2 'say what to send' udp send 127.0.0.1:9
@@ -54,6 +54,22 @@ load common
     expect 1 'no interface is named ll; did you mean lo' interfaces ll
     start interfaces lo --watch
     await 'Ctrl-C'
+    finish INT 0
+}
+
+@test "interfaces: changes as they happen" {
+    [ "$(id -u)" -eq 0 ] || skip "needs a network namespace"
+    own_host
+    "${inside[@]}" ip link add one type veth peer name two
+    start interfaces --watch
+    await 'Ctrl-C'
+    "${inside[@]}" ip address add 10.7.7.7/24 dev one
+    "${inside[@]}" ip link set one up
+    "${inside[@]}" ip link add three type veth peer name four
+    await ' changed +one +up.* 10\.7\.7\.7'
+    await ' added +three +down'
+    "${inside[@]}" ip link del one
+    await ' ended +one'
     finish INT 0
 }
 

@@ -3,7 +3,7 @@
 setup() {
     : "${INCTL:?the program to test}" "${EXAMPLES:?the folder of examples}"
     export NO_COLOR=1 LC_ALL=C.UTF-8
-    started=""
+    started="" host="" inside=()
 }
 
 teardown() {
@@ -11,6 +11,16 @@ teardown() {
         kill -KILL "$started"
         wait "$started" || true
     fi
+    if [ -n "$host" ]; then kill "$host"; fi
+}
+
+# Makes a host of its own, with loopback up; commands behind "${inside[@]}", and start, run there.
+own_host() {
+    unshare --net sleep 600 3>&- &
+    host=$!
+    until [ "$(readlink "/proc/$host/ns/net")" != "$(readlink /proc/self/ns/net)" ]; do sleep 0.01; done
+    inside=(nsenter "--net=/proc/$host/ns/net")
+    "${inside[@]}" ip link set lo up
 }
 
 # expect CODE PATTERN ARGUMENTS...: runs the program; its exit code and a regular expression that its output holds.
@@ -41,19 +51,20 @@ expect_json() {
 start() {
     log="$BATS_TEST_TMPDIR/log"
     : >"$log"
-    "$INCTL" "$@" >"$log" 2>&1 3>&- &
+    "${inside[@]}" "$INCTL" "$@" >"$log" 2>&1 3>&- &
     started=$!
 }
 
-# await PATTERN: returns when the program that was started has printed it; fails when the program ends before.
+# await PATTERN: returns when the program that was started has printed it; fails when it ends before, or hangs.
 await() {
-    grep -Eqm1 -- "$1" <(tail --pid="$started" -n +1 -f "$log" 2>/dev/null) || { cat "$log"; return 1; }
+    grep -Eqm1 -- "$1" <(timeout 60 tail -s 0.02 --pid="$started" -n +1 -f "$log" 2>/dev/null) || { cat "$log"; return 1; }
 }
 
 # finish SIGNAL CODE: ends the program that was started.
 finish() {
     local got=0
     if [ -n "$1" ]; then kill "-$1" "$started"; fi
+    timeout 60 tail -s 0.02 --pid="$started" -f /dev/null || kill -KILL "$started"
     wait "$started" || got=$?
     started=""
     [ "$got" -eq "$2" ] || { echo "exit code $got"; cat "$log"; return 1; }

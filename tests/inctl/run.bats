@@ -60,7 +60,8 @@ refused() {
     expect_json 0 "$filter" tour --json
     expect 0 'is closed, every thread has ended' tour "$EXAMPLES/tour.json"
     if [ "$(id -u)" -eq 0 ]; then
-        run unshare --net sh -c 'ip link set lo up && exec "$0" tour' "$INCTL"
-        [ "$status" -eq 0 ] || { echo "$output"; return 1; }
+        own_host
+        start tour
+        finish "" 0
     fi
 }

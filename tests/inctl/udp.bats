@@ -59,10 +59,11 @@ unprivileged() {
 }
 
 @test "a multicast group" {
-    start udp receive --group 239.255.77.1 --port 30999 --interface lo --json
+    start udp receive --group 239.255.77.1 --port 30999 --interface lo --count 1 --json
     await listening
-    finish INT 0
-    jq -es '.[0].localUdpAddress.address == "239.255.77.1" and .[1].datagrams == 0' "$log"
+    expect 0 'sent' udp send 239.255.77.1:30999 all --interface lo
+    finish "" 0
+    jq -es '.[0].localUdpAddress.address == "239.255.77.1" and .[1].payload == "616c6c" and .[2].datagrams == 1' "$log"
     expect 1 'no interface is named lx' udp receive --group 239.1.2.3 --port 30999 --interface lx
 }
 
