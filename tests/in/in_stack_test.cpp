@@ -112,18 +112,27 @@ TEST( Stack, AvoidsTcpPeersForATime )
     const auto other = pb::adopt( inTcpAddressCreate( address( "127.0.0.9" ).get(), 5061 ) );
     const auto avoids = [&stack]( const auto &peer ) { return bool( in___StackTcpIsBlacklisted( stack.get(), peer.get() ) ); };
 
+    const auto setOptions = [&stack]( const Options &options ) {
+        inStackSetOptions( stack.get(), options.get() );
+        pr___Quiesce(); // so that what follows does not profit from this run
+    };
     in___StackTcpBlacklist( stack.get(), peer.get() );
     EXPECT_FALSE( avoids( peer ) ); // disabled
-    inStackSetOptions( stack.get(), tcpWith( true, 1000 ).get() );
-    in___StackTcpBlacklist( stack.get(), peer.get() ); // the configured options count, not those in effect
+    setOptions( tcpWith( true, 1000 ) );
+    in___StackTcpBlacklist( stack.get(), peer.get() );
     EXPECT_TRUE( avoids( samePeer ) );
     EXPECT_FALSE( avoids( other ) );
     clock.advance( 999 );
     EXPECT_TRUE( avoids( peer ) );
+    clock.advance( 1 );
+    EXPECT_FALSE( avoids( peer ) );
+
+    in___StackTcpBlacklist( stack.get(), peer.get() );
+    clock.advance( 999 );
     in___StackTcpBlacklist( stack.get(), samePeer.get() ); // counts anew
     clock.advance( 999 );
     EXPECT_TRUE( avoids( peer ) );
-    inStackSetOptions( stack.get(), tcpWith( true, PB_INT_MAX ).get() );
+    setOptions( tcpWith( true, PB_INT_MAX ) );
     in___StackTcpBlacklist( stack.get(), other.get() );
     clock.advance( 1 );
     EXPECT_FALSE( avoids( peer ) );

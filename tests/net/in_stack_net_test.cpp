@@ -148,11 +148,18 @@ TEST( Stack, FollowsLinkAndAddresses )
             { "ip -4 addr flush dev eth0", "null of eth0 on eth0 down", "10.0.0.1 of eth1 on eth1 up" },
             { "ip addr add 10.1.0.1/16 dev eth0", "10.1.0.1 of eth0 on eth0 down", "10.0.0.1 of eth1 on eth1 up" },
         };
+        const auto barrier = pb::adopt( pbBarrierCreate( 0 ) );
+        const auto signalable = pb::adopt( pbSignalableCreateBarrier( barrier.get() ) );
         for ( const auto &row : rows ) {
             SCOPED_TRACE( row.command );
+            const std::string before = describe( onEth0 );
+            pbBarrierBlock( barrier.get() );
+            inStackUpdateAddSignalable( onEth0.get(), signalable.get() );
             shell( row.command );
             running.poll();
             EXPECT_EQ( describe( onEth0 ), row.onEth0 );
+            EXPECT_EQ( bool( pbBarrierPassTimed( barrier.get(), 0 ) ), before != row.onEth0 );
+            pbBarrierUnblock( barrier.get() );
             EXPECT_EQ( describe( anywhere ), row.anywhere );
         }
     } );
