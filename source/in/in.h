@@ -11,6 +11,7 @@
 #include "in/base/in_options.h"
 #include "in/base/in_stack.h"
 #include "in/dns/in_dns_options.h"
+#include "in/dns/in_system_dns_servers.h"
 #include "in/filter/in_filter.h"
 #include "in/map/in_map_stack.h"
 #include "in/nw/in_nw_address.h"
