@@ -54,7 +54,8 @@ struct Wish {
         if ( iface )
             inOptionsSetInterface( options.address(), pb::string( iface ).get() );
         if ( network )
-            inOptionsSetNetwork( options.address(), pb::adopt( inNetworkTryCreateFromString( pb::string( network ).get() ) ).get() );
+            inOptionsSetNetwork( options.address(),
+                                 pb::adopt( inNetworkTryCreateFromString( pb::string( network ).get() ) ).get() );
         if ( address )
             inOptionsSetAddress( options.address(), ::address( address ).get() );
         if ( version >= 0 )
@@ -65,7 +66,8 @@ struct Wish {
 
 TEST( NwUtil, ChoosesAddressAndInterfaces )
 {
-    const char *const full = "a=10.0.0.9,169.254.0.1,fe80::1 b=10.0.0.3,10.0.0.9,fd00::3 idle= lo=127.0.0.1,::1 z=10.0.0.1";
+    const char *const full =
+        "a=10.0.0.9,169.254.0.1,fe80::1 b=10.0.0.3,10.0.0.9,fd00::3 idle= lo=127.0.0.1,::1 z=10.0.0.1";
     const char *const local = "lo=127.0.0.1,::1 x=169.254.0.1,169.254.0.2";
     constexpr uint64_t loopback = IN_FLAG_LOOPBACK_ONLY;
     const struct {
@@ -113,11 +115,12 @@ TEST( NwUtil, ChoosesAddressAndInterfaces )
         SCOPED_TRACE( testing::Message() << "row " << &row - rows << ", expected " << row.expected );
         const auto host = makeHost( row.host );
         const Address previous = row.previousAddress ? address( row.previousAddress ) : nullptr;
-        const auto previousPrimary = row.previousPrimary < 0 ? std::nullopt : std::optional<size_t>( row.previousPrimary );
+        const auto previousPrimary =
+            row.previousPrimary < 0 ? std::nullopt : std::optional<size_t>( row.previousPrimary );
         const auto choice = in::chooseAddress( row.wish.options().get(), previous.get(), previousPrimary, host );
         const auto name = [&host]( size_t index ) { return pb::utf8( host[index].identifier ); };
-        std::string text = pb::utf8( pb::adopt( pbObjToString( inAddressObj( choice.address.get() ) ) ) ) + " of "
-            + ( choice.primaryInterface ? name( *choice.primaryInterface ) : "null" ) + " on";
+        std::string text = pb::utf8( pb::adopt( pbObjToString( inAddressObj( choice.address.get() ) ) ) ) + " of " +
+                           ( choice.primaryInterface ? name( *choice.primaryInterface ) : "null" ) + " on";
         for ( const size_t index : choice.interfaces )
             text += " " + name( index );
         EXPECT_EQ( text, row.expected );
@@ -130,10 +133,19 @@ TEST( NwInterfaceImp, PrefixLengthOfANetmask )
         const char *netmask;
         pbInt prefixLength;
     } rows[] = {
-        { "0.0.0.0", 0 },         { "128.0.0.0", 1 },  { "255.255.0.0", 16 }, { "255.255.255.254", 31 },
-        { "255.255.255.255", -1 }, { "255.0.255.0", -1 }, { "0.0.0.1", -1 },     { "255.253.0.0", -1 },
-        { "::", 0 },              { "ffff:fe00::", 23 }, { "ffff:ffff:ffff:ffff:ffff:ffff:ffff:fffe", 127 },
-        { "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff", -1 }, { "ffff::1", -1 },
+        { "0.0.0.0", 0 },
+        { "128.0.0.0", 1 },
+        { "255.255.0.0", 16 },
+        { "255.255.255.254", 31 },
+        { "255.255.255.255", -1 },
+        { "255.0.255.0", -1 },
+        { "0.0.0.1", -1 },
+        { "255.253.0.0", -1 },
+        { "::", 0 },
+        { "ffff:fe00::", 23 },
+        { "ffff:ffff:ffff:ffff:ffff:ffff:ffff:fffe", 127 },
+        { "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff", -1 },
+        { "ffff::1", -1 },
     };
     for ( const auto &row : rows )
         EXPECT_EQ( in___NwInterfaceImpPrefixLength( address( row.netmask ).get() ), row.prefixLength ) << row.netmask;
@@ -156,7 +168,8 @@ TEST( NwInterfaces, NamesOfProcNetDev )
         const pb::Fd file( memfd_create( "dev", MFD_CLOEXEC ) );
         ASSERT_EQ( write( file.get(), row.text.data(), row.text.size() ), static_cast<ssize_t>( row.text.size() ) );
         auto found = pb::adopt( pbDictCreate() );
-        in___NwInterfacesAddNamesFromProcNetDev( found.address(), ( "/proc/self/fd/" + std::to_string( file.get() ) ).c_str() );
+        in___NwInterfacesAddNamesFromProcNetDev( found.address(),
+                                                 ( "/proc/self/fd/" + std::to_string( file.get() ) ).c_str() );
         std::vector<std::string> names;
         for ( pbInt index = 0; index < pbDictLength( found.get() ); ++index )
             names.push_back( pb::utf8( pb::adopt( pbStringFrom( pbDictKeyAt( found.get(), index ) ) ) ) );

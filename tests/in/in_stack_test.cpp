@@ -63,7 +63,9 @@ TEST( Stack, FollowsItsOptions )
     Stack stack = pb::adopt( inStackCreate( options.get(), anchor.get() ) );
     EXPECT_EQ( addressText( stack ), "127.0.0.1" ); // at once, before any run of the scheduler
     EXPECT_TRUE( inStackUp( stack.get() ) );
-    EXPECT_EQ( pb::utf8( pb::adopt( inNwInterfaceIdentifier( pb::adopt( inStackPrimaryInterface( stack.get() ) ).get() ) ) ), "lo" );
+    EXPECT_EQ(
+        pb::utf8( pb::adopt( inNwInterfaceIdentifier( pb::adopt( inStackPrimaryInterface( stack.get() ) ).get() ) ) ),
+        "lo" );
     using Link = support::TraceCatcher::Link;
     const Link links[] = { { "OWNER", "IN_STACK", TR_ANCHOR_KIND_STACK, "" },
                            { "IN_STACK", "in___StackImpUpdateInterfaces()", TR_ANCHOR_KIND_PLAIN, "" } };
@@ -82,7 +84,8 @@ TEST( Stack, FollowsItsOptions )
     EXPECT_EQ( addressText( stack ), "null" );
     EXPECT_EQ( pbStoreLength( pb::adopt( csStatusReporterItems( status.get() ) ).get() ), 0 );
     EXPECT_FALSE( csStatusReporterUp( status.get() ) );
-    EXPECT_EQ( pb::utf8( pb::adopt( pbStoreValueCstr( catcher.configuration( "IN_STACK" ).get(), "address", -1 ) ) ), "192.0.2.77" );
+    EXPECT_EQ( pb::utf8( pb::adopt( pbStoreValueCstr( catcher.configuration( "IN_STACK" ).get(), "address", -1 ) ) ),
+               "192.0.2.77" );
 
     // Options that change nothing in the binding tell nobody.
     pbBarrierBlock( barrier.get() );
@@ -110,7 +113,9 @@ TEST( Stack, AvoidsTcpPeersForATime )
     const auto peer = pb::adopt( inTcpAddressCreate( address( "127.0.0.9" ).get(), 5060 ) );
     const auto samePeer = pb::adopt( inTcpAddressCreate( address( "127.0.0.9" ).get(), 5060 ) );
     const auto other = pb::adopt( inTcpAddressCreate( address( "127.0.0.9" ).get(), 5061 ) );
-    const auto avoids = [&stack]( const auto &peer ) { return bool( in___StackTcpIsBlacklisted( stack.get(), peer.get() ) ); };
+    const auto avoids = [&stack]( const auto &peer ) {
+        return bool( in___StackTcpIsBlacklisted( stack.get(), peer.get() ) );
+    };
 
     const auto setOptions = [&stack]( const Options &options ) {
         inStackSetOptions( stack.get(), options.get() );
@@ -157,7 +162,8 @@ TEST( TcpBlacklist, ExpiresInOrder )
         list.expire( row.now );
         EXPECT_EQ( list.earliestExpiry(), row.earliest );
         for ( pbInt port = 1; port <= 4; ++port )
-            EXPECT_EQ( list.contains( peer( port ).get() ), std::count( row.left.begin(), row.left.end(), port ) == 1 ) << port;
+            EXPECT_EQ( list.contains( peer( port ).get() ), std::count( row.left.begin(), row.left.end(), port ) == 1 )
+                << port;
     }
 }
 
@@ -168,7 +174,8 @@ TEST( Stack, IsConfigured )
         "marks": {"sort": "IN_QOS_STACK", "config": {"defaults": "IN_QOS_DEFAULTS_VOICE", "layer3Tos": "0x2E"}}}})";
     pb::Ref<struct pbVector> problems;
     const auto parse = [&problems]( const std::string &json ) {
-        return pb::adopt( csConfigurationTryParse( json.data(), static_cast<pbInt>( json.size() ), pb::string( "f" ).get(), problems.address() ) );
+        return pb::adopt( csConfigurationTryParse( json.data(), static_cast<pbInt>( json.size() ),
+                                                   pb::string( "f" ).get(), problems.address() ) );
     };
     const auto configuration = parse( text );
     ASSERT_TRUE( configuration ) << pb::utf8( pb::adopt( pbVectorToString( problems.get() ) ) );

@@ -83,12 +83,14 @@ std::string describe( const pb::Ref<struct inStack> &stack )
     pbBool up = false;
     inStackConfiguration( stack.get(), nullptr, address.address(), primary.address(), interfaces.address(), &up );
     const auto status = pb::adopt( inStackCsStatus( stack.get() ) );
-    const auto item = pb::adopt( pbStoreValueCstr( pb::adopt( csStatusReporterItems( status.get() ) ).get(), "inStackAddress", -1 ) );
+    const auto item =
+        pb::adopt( pbStoreValueCstr( pb::adopt( csStatusReporterItems( status.get() ) ).get(), "inStackAddress", -1 ) );
     const std::string addressText = address ? pb::utf8( pb::adopt( inAddressToString( address.get() ) ) ) : "null";
     EXPECT_EQ( addressText, pb::utf8( item ) );
     EXPECT_EQ( up, csStatusReporterUp( status.get() ) );
 
-    std::string text = addressText + " of " + ( primary ? pb::utf8( pb::adopt( inNwInterfaceIdentifier( primary.get() ) ) ) : "null" ) + " on";
+    std::string text = addressText + " of " +
+                       ( primary ? pb::utf8( pb::adopt( inNwInterfaceIdentifier( primary.get() ) ) ) : "null" ) + " on";
     for ( const std::string &name : names( interfaces.share() ) )
         text += " " + name;
     return text + ( up ? " up" : " down" );
@@ -110,8 +112,10 @@ TEST( Interfaces, ReadWhatTheHostHas )
         const auto eth0 = stateOf( "eth0" );
         EXPECT_EQ( inNwInterfaceStateStatus( eth0.get() ), IN_NW_INTERFACE_STATUS_UP );
         EXPECT_EQ( inNwInterfaceStateLayer2Mtu( eth0.get() ), 1400 );
-        EXPECT_EQ( inNwInterfaceStateLayer2SpeedReceive( eth0.get() ), 4'294'967'295'000'000 ); // a bridge does not know
-        const auto mac = pb::adopt( inNwAddressMac( pb::adopt( inNwInterfaceStateLayer2AddressAt( eth0.get(), 0 ) ).get() ) );
+        EXPECT_EQ( inNwInterfaceStateLayer2SpeedReceive( eth0.get() ),
+                   4'294'967'295'000'000 ); // a bridge does not know
+        const auto mac =
+            pb::adopt( inNwAddressMac( pb::adopt( inNwInterfaceStateLayer2AddressAt( eth0.get(), 0 ) ).get() ) );
         EXPECT_EQ( pb::utf8( pb::adopt( inNwMacAddressToString( mac.get() ) ) ), "0a:1b:2c:3d:4e:5f" );
         EXPECT_THAT( texts( inNwInterfaceStateLayer3UnicastAddressesVector( eth0.get() ) ),
                      ElementsAre( "10.1.0.1", "10.9.9.9", "fd00:1::1" ) );
@@ -128,7 +132,8 @@ TEST( Stack, FollowsLinkAndAddresses )
 {
     SKIP_WITHOUT_NAMESPACES();
     const support::NetNamespace host;
-    host.run( "ip link add eth0 type bridge; ip link set eth0 up; ip addr add 10.1.0.1/16 dev eth0; ip link add eth1 type bridge" );
+    host.run( "ip link add eth0 type bridge; ip link set eth0 up; ip addr add 10.1.0.1/16 dev eth0; ip link add eth1 "
+              "type bridge" );
     host.scenario( [] {
         RunningHost running;
         const auto onEth0 = makeStack( "eth0" ), anywhere = makeStack( nullptr );
@@ -142,7 +147,8 @@ TEST( Stack, FollowsLinkAndAddresses )
             { "ip link set eth0 up", "10.1.0.1 of eth0 on eth0 up", "10.1.0.1 of eth0 on eth0 up" },
             { "ip addr add 10.0.0.1/24 dev eth0", "10.1.0.1 of eth0 on eth0 up", "10.1.0.1 of eth0 on eth0 up" },
             { "ip addr del 10.1.0.1/16 dev eth0", "10.0.0.1 of eth0 on eth0 up", "10.0.0.1 of eth0 on eth0 up" },
-            { "ip addr add 10.0.0.1/24 dev eth1", "10.0.0.1 of eth0 on eth0 eth1 up", "10.0.0.1 of eth0 on eth0 eth1 up" },
+            { "ip addr add 10.0.0.1/24 dev eth1", "10.0.0.1 of eth0 on eth0 eth1 up",
+              "10.0.0.1 of eth0 on eth0 eth1 up" },
             { "ip link set eth0 down", "10.0.0.1 of eth0 on eth0 eth1 down", "10.0.0.1 of eth0 on eth0 eth1 down" },
             { "ip link set eth1 up", "10.0.0.1 of eth0 on eth0 eth1 up", "10.0.0.1 of eth0 on eth0 eth1 up" },
             { "ip -4 addr flush dev eth0", "null of eth0 on eth0 down", "10.0.0.1 of eth1 on eth1 up" },
@@ -213,8 +219,8 @@ TEST( Stack, EndsRightAfterManyFlaps )
             strcpy( request.ifr_name, "eth0" );
             request.ifr_flags = flap % 2 ? IFF_UP : 0;
             ASSERT_EQ( ioctl( control.get(), SIOCSIFFLAGS, &request ), 0 );
-            pb___ClockAdvance( 5000 );                // what this wakes runs beside the next flaps
-            stacks.back() = makeStack( "eth0" );      // and stacks come and go meanwhile
+            pb___ClockAdvance( 5000 );           // what this wakes runs beside the next flaps
+            stacks.back() = makeStack( "eth0" ); // and stacks come and go meanwhile
             if ( flap >= flaps - 1 ) {
                 running.poll();
                 const char *const expected = flap % 2 ? "10.1.0.1 of eth0 on eth0 up" : "10.1.0.1 of eth0 on eth0 down";

@@ -40,8 +40,7 @@ public:
             _exit( 3 );
         try {
             scenario();
-        }
-        catch ( const std::exception &exception ) {
+        } catch ( const std::exception &exception ) {
             ADD_FAILURE() << exception.what();
         }
         exit( testing::Test::HasFailure() ? 1 : 0 ); // not _exit: the leak check runs
@@ -112,8 +111,8 @@ public:
     // Joins an interface here and one of the other host by a cable.
     void connect( const std::string &name, const NetNamespace &other, const std::string &otherName ) const
     {
-        run( "ip link add " + name + " type veth peer name " + otherName + " netns /proc/" + std::to_string( getpid() )
-             + "/fd/" + std::to_string( other.fd_.get() ) );
+        run( "ip link add " + name + " type veth peer name " + otherName + " netns /proc/" +
+             std::to_string( getpid() ) + "/fd/" + std::to_string( other.fd_.get() ) );
     }
 
 private:

@@ -115,8 +115,8 @@ void in___ModuleShutdownWait( void )
 int in___ModulePersonality( int, char ** )
 {
     const auto &record = in___module_record;
-    return std::printf( "%s %s (%s)\n%s %lld.%lld.%lld, built %s\n%s\n", record.name, record.version, record.description,
-                        record.productName, static_cast<long long>( record.productVersion[0] ),
+    return std::printf( "%s %s (%s)\n%s %lld.%lld.%lld, built %s\n%s\n", record.name, record.version,
+                        record.description, record.productName, static_cast<long long>( record.productVersion[0] ),
                         static_cast<long long>( record.productVersion[1] ),
                         static_cast<long long>( record.productVersion[2] ), record.buildTime, record.vendor ) < 0;
 }
@@ -129,7 +129,8 @@ struct pbStore *in___CsModuleInfoFunc( void )
         const auto iface = pb::adopt( inNwInterfaceFrom( pbVectorObjAt( interfaces.get(), index ) ) );
         const auto state = pb::adopt( inNwInterfaceState( iface.get() ) );
         auto entry = pb::adopt( pbStoreCreate() );
-        pbStoreSetValueCstr( entry.address(), "identifier", -1, pb::adopt( inNwInterfaceIdentifier( iface.get() ) ).get() );
+        pbStoreSetValueCstr( entry.address(), "identifier", -1,
+                             pb::adopt( inNwInterfaceIdentifier( iface.get() ) ).get() );
         pbStoreSetStoreCstr( entry.address(), "state", -1, pb::adopt( inNwInterfaceStateStore( state.get() ) ).get() );
         pbStoreArrayAppendStore( array.address(), entry.get() );
     }

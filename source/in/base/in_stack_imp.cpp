@@ -107,9 +107,10 @@ private:
 PB_OBJECT_DEFINE( in___StackImp, in___sort_IN___STACK_IMP )
 
 in___StackImp::in___StackImp( const struct inOptions *initialOptions, struct trAnchor *optionalAnchor )
-    : status( pb::adopt( csStatusReporterCreate(
-          pb::adopt( trAnchorCreate( trace.get(), TR_ANCHOR_KIND_PLAIN ) ).get() ) ) ),
-      process( pb::adopt( prProcessCreateWithPriorityCstr( 1, in___StackImpProcessFunc, this, "in___StackImpProcessFunc", -1 ) ) ),
+    : status( pb::adopt(
+          csStatusReporterCreate( pb::adopt( trAnchorCreate( trace.get(), TR_ANCHOR_KIND_PLAIN ) ).get() ) ) ),
+      process( pb::adopt(
+          prProcessCreateWithPriorityCstr( 1, in___StackImpProcessFunc, this, "in___StackImpProcessFunc", -1 ) ) ),
       signalable( pb::adopt( prProcessCreateSignalable( process.get() ) ) ),
       timer( pb::adopt( prProcessCreateTimer( process.get() ) ) ), options( pb::share( initialOptions ) )
 {
@@ -168,7 +169,8 @@ void in___StackImp::publishAddress( const Binding &found )
 {
     binding.address = found.address;
     if ( const auto &address = binding.address )
-        csStatusReporterSetItemCstr( status.get(), "inStackAddress", -1, pb::adopt( inAddressToString( address.get() ) ).get() );
+        csStatusReporterSetItemCstr( status.get(), "inStackAddress", -1,
+                                     pb::adopt( inAddressToString( address.get() ) ).get() );
     else
         csStatusReporterDelItemCstr( status.get(), "inStackAddress", -1 );
 }
@@ -182,13 +184,14 @@ void in___StackImp::publishInterfaces( const Binding &found )
     struct trStream *stream = interfacesTrace_.get();
     trAnchorComplete( pb::adopt( trAnchorCreate( trace.get(), TR_ANCHOR_KIND_PLAIN ) ).get(), stream );
     if ( binding.primaryInterface ) {
-        const auto anchor = pb::adopt(
-            trAnchorCreateWithAnnotationCstr( stream, TR_ANCHOR_KIND_PLAIN, "inPrimaryInterface", -1 ) );
+        const auto anchor =
+            pb::adopt( trAnchorCreateWithAnnotationCstr( stream, TR_ANCHOR_KIND_PLAIN, "inPrimaryInterface", -1 ) );
         inNwInterfaceTraceCompleteAnchor( binding.primaryInterface.get(), anchor.get() );
     }
     for ( pbInt index = 0; index < pbVectorLength( binding.interfaces.get() ); ++index ) {
         const auto iface = pb::adopt( inNwInterfaceFrom( pbVectorObjAt( binding.interfaces.get(), index ) ) );
-        inNwInterfaceTraceCompleteAnchor( iface.get(), pb::adopt( trAnchorCreate( stream, TR_ANCHOR_KIND_PLAIN ) ).get() );
+        inNwInterfaceTraceCompleteAnchor( iface.get(),
+                                          pb::adopt( trAnchorCreate( stream, TR_ANCHOR_KIND_PLAIN ) ).get() );
     }
 }
 
@@ -313,7 +316,8 @@ void in___StackImpTcpBlacklist( struct in___StackImp *imp, const struct inTcpAdd
     const auto tcpOptions = pb::adopt( inOptionsTcpOptions( imp->options.get() ) );
     if ( !inTcpOptionsBlacklistEnabled( tcpOptions.get() ) )
         return;
-    imp->blacklist.set( address, pbIntAddSaturating( pbTimestamp(), inTcpOptionsBlacklistTimeout( tcpOptions.get() ) ) );
+    imp->blacklist.set( address,
+                        pbIntAddSaturating( pbTimestamp(), inTcpOptionsBlacklistTimeout( tcpOptions.get() ) ) );
     prProcessSchedule( imp->process.get() );
 }
 

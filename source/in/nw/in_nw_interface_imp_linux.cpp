@@ -112,7 +112,8 @@ struct in___NwInterfaceImp final : pb::Object<struct in___NwInterfaceImp, in___s
     // Fixed after construction.
     const pb::Ref<struct trStream> trace;
     const pb::String identifier;
-    const std::unique_ptr<char, void ( * )( char * )> name; // the identifier for system calls, null when it has no such form
+    // The identifier for system calls; null when it has no such form.
+    const std::unique_ptr<char, void ( * )( char * )> name;
     const pb::Fd controlSocket;
     pb::Ref<struct prProcess> process; // these three are set by start
     pb::Ref<struct pbSignalable> signalable;
@@ -142,7 +143,8 @@ in___NwInterfaceImp::in___NwInterfaceImp( const struct pbString *ident )
     trStreamSetPropertyCstrString( trace.get(), "inNwIdentifier", -1, ident );
     if ( !controlSocket ) {
         trStreamSetNotable( trace.get() );
-        tr::text( trace.get(), "[in___NwInterfaceImpCreate()] socket(): -1 (%~s)", pb::adopt( unixErrorToString( error ) ) );
+        tr::text( trace.get(), "[in___NwInterfaceImpCreate()] socket(): -1 (%~s)",
+                  pb::adopt( unixErrorToString( error ) ) );
     }
 }
 

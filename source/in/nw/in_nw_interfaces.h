@@ -12,8 +12,8 @@ struct pbVector;
 IN_API struct pbVector *inNwInterfacesVector( void );
 // The interface of that name, or null.
 IN_API struct inNwInterface *inNwInterfacesInterfaceByIdentifier( const struct pbString *identifier );
-// Signalled once, when an interface is added or has ended: register, then read, each time. An interface that only changes
-// signals by itself.
+// Signalled once, when an interface is added or has ended: register, then read, each time. An interface that only
+// changes signals by itself.
 IN_API void inNwInterfacesUpdateAddSignalable( struct pbSignalable *signalable );
 IN_API void inNwInterfacesUpdateDelSignalable( struct pbSignalable *signalable );
 

@@ -101,8 +101,8 @@ void in___NwInterfaces::run()
     }
 }
 
-// Has the interface wake the enumeration at its next change; false when it has ended. Registers before it reads: a change
-// in between is then seen here or wakes.
+// Has the interface wake the enumeration at its next change; false when it has ended. Registers before it reads: a
+// change in between is then seen here or wakes.
 bool in___NwInterfaces::observe( struct inNwInterface *iface )
 {
     inNwInterfaceUpdateAddSignalable( iface, signalable.get() );
@@ -180,7 +180,8 @@ void in___NwInterfaces::shutdownWait()
         ending = imps;
     }
     for ( pbInt index = 0; index < pbDictLength( ending.get() ); ++index )
-        in___NwInterfaceImpEndWait( pb::adopt( in___NwInterfaceImpFrom( pbDictValueAt( ending.get(), index ) ) ).get() );
+        in___NwInterfaceImpEndWait(
+            pb::adopt( in___NwInterfaceImpFrom( pbDictValueAt( ending.get(), index ) ) ).get() );
 }
 
 void in___NwInterfacesAddNamesFromProcNetDev( struct pbDict **names, const char *path )

@@ -24,16 +24,17 @@ public:
     explicit Demand( const struct inOptions *options )
         : version_( inOptionsAddressVersion( options ) ), network_( pb::adopt( inOptionsNetwork( options ) ) ),
           address_( pb::adopt( inOptionsAddress( options ) ) ),
-          loopbackOnly_( inOptionsFlags( options ) & IN_FLAG_LOOPBACK_ONLY ), hasVersion_( inOptionsHasAddressVersion( options ) )
+          loopbackOnly_( inOptionsFlags( options ) & IN_FLAG_LOOPBACK_ONLY ),
+          hasVersion_( inOptionsHasAddressVersion( options ) )
     {
     }
 
     bool admits( const struct inAddress *candidate ) const
     {
-        return ( !hasVersion_ || inAddressVersion( candidate ) == version_ )
-            && ( !network_ || inNetworkContainsAddress( network_.get(), candidate ) )
-            && ( !address_ || inAddressEquals( address_.get(), candidate ) )
-            && ( !loopbackOnly_ || inAddressIsLoopback( candidate ) );
+        return ( !hasVersion_ || inAddressVersion( candidate ) == version_ ) &&
+               ( !network_ || inNetworkContainsAddress( network_.get(), candidate ) ) &&
+               ( !address_ || inAddressEquals( address_.get(), candidate ) ) &&
+               ( !loopbackOnly_ || inAddressIsLoopback( candidate ) );
     }
 
 private:
@@ -138,7 +139,8 @@ void in___NwUtilFindAddressAndInterface( const struct inOptions *options, struct
     for ( const auto &iface : current ) {
         if ( iface.get() == *primaryInterface )
             previousPrimary = snapshots.size();
-        snapshots.push_back( { pb::adopt( inNwInterfaceIdentifier( iface.get() ) ), pb::adopt( inNwInterfaceState( iface.get() ) ) } );
+        snapshots.push_back(
+            { pb::adopt( inNwInterfaceIdentifier( iface.get() ) ), pb::adopt( inNwInterfaceState( iface.get() ) ) } );
     }
 
     auto choice = in::chooseAddress( options, *address, previousPrimary, snapshots );
