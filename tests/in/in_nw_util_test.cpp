@@ -1,8 +1,5 @@
 // How an address and interfaces are chosen, and how the interfaces of a host are read.
 #include "in/base/in_address.h"
-#include "in/base/in_address_version.h"
-#include "in/base/in_flags.h"
-#include "in/base/in_network.h"
 #include "in/base/in_options.h"
 #include "in/nw/in_nw_interface_imp_linux_internal.h"
 #include "in/nw/in_nw_interface_state.h"
@@ -11,7 +8,7 @@
 #include "in/nw/in_nw_util_internal.h"
 #include "pb/pb_dict.h"
 #include "pb/pb_fd.hpp"
-#include "pb/pb_string.hpp"
+#include "support/in_tables.hpp"
 
 #include <gmock/gmock.h>
 #include <sstream>
@@ -42,82 +39,59 @@ std::vector<in::InterfaceSnapshot> makeHost( const std::string &text )
     return snapshots;
 }
 
-struct Wish {
-    const char *iface = nullptr, *network = nullptr, *address = nullptr;
-    pbInt version = -1;
-    uint64_t flags = 0;
-
-    pb::Ref<struct inOptions> options() const
-    {
-        auto options = pb::adopt( inOptionsCreate() );
-        inOptionsSetFlags( options.address(), flags );
-        if ( iface )
-            inOptionsSetInterface( options.address(), pb::string( iface ).get() );
-        if ( network )
-            inOptionsSetNetwork( options.address(),
-                                 pb::adopt( inNetworkTryCreateFromString( pb::string( network ).get() ) ).get() );
-        if ( address )
-            inOptionsSetAddress( options.address(), ::address( address ).get() );
-        if ( version >= 0 )
-            inOptionsSetAddressVersion( options.address(), version );
-        return options;
-    }
-};
-
 TEST( NwUtil, ChoosesAddressAndInterfaces )
 {
     const char *const full =
         "a=10.0.0.9,169.254.0.1,fe80::1 b=10.0.0.3,10.0.0.9,fd00::3 idle= lo=127.0.0.1,::1 z=10.0.0.1";
     const char *const local = "lo=127.0.0.1,::1 x=169.254.0.1,169.254.0.2";
-    constexpr uint64_t loopback = IN_FLAG_LOOPBACK_ONLY;
+    const support::InTables tables;
     const struct {
         const char *host;
-        Wish wish;
-        const char *previousAddress;
+        const char *options, *previousAddress;
         int previousPrimary;
         const char *expected;
     } rows[] = {
         // The best class, the first of it: interfaces ascending by name, addresses ascending inside one.
-        { full, {}, nullptr, -1, "10.0.0.9 of a on a b" },
-        { local, {}, nullptr, -1, "169.254.0.1 of x on x" },
-        { "lo=127.0.0.1,::1", {}, nullptr, -1, "127.0.0.1 of lo on lo" },
-        { "", {}, "10.0.0.1", -1, "null of null on" },
+        { full, "{}", nullptr, -1, "10.0.0.9 of a on a b" },
+        { local, "{}", nullptr, -1, "169.254.0.1 of x on x" },
+        { "lo=127.0.0.1,::1", "{}", nullptr, -1, "127.0.0.1 of lo on lo" },
+        { "", "{}", "10.0.0.1", -1, "null of null on" },
         // The previous address wins in its class and against no better one.
-        { full, {}, "10.0.0.1", -1, "10.0.0.1 of z on z" },
-        { full, {}, "fd00::3", -1, "fd00::3 of b on b" },
-        { full, {}, "169.254.0.1", -1, "10.0.0.9 of a on a b" },
-        { full, {}, "10.7.7.7", -1, "10.0.0.9 of a on a b" },
-        { local, {}, "169.254.0.2", -1, "169.254.0.2 of x on x" },
-        { local, {}, "127.0.0.1", -1, "169.254.0.1 of x on x" },
+        { full, "{}", "10.0.0.1", -1, "10.0.0.1 of z on z" },
+        { full, "{}", "fd00::3", -1, "fd00::3 of b on b" },
+        { full, "{}", "169.254.0.1", -1, "10.0.0.9 of a on a b" },
+        { full, "{}", "10.7.7.7", -1, "10.0.0.9 of a on a b" },
+        { local, "{}", "169.254.0.2", -1, "169.254.0.2 of x on x" },
+        { local, "{}", "127.0.0.1", -1, "169.254.0.1 of x on x" },
         // The previous primary interface stays while it carries the address.
-        { full, {}, "10.0.0.9", 1, "10.0.0.9 of b on a b" },
-        { full, {}, "10.0.0.9", 4, "10.0.0.9 of a on a b" },
+        { full, "{}", "10.0.0.9", 1, "10.0.0.9 of b on a b" },
+        { full, "{}", "10.0.0.9", 4, "10.0.0.9 of a on a b" },
         // A named interface is primary and a member, with and without an address; other carriers are members too.
-        { full, { .iface = "b" }, nullptr, -1, "10.0.0.3 of b on b" },
-        { full, { .iface = "b" }, "10.0.0.9", 0, "10.0.0.9 of b on a b" },
-        { full, { .iface = "b", .address = "10.0.0.9" }, nullptr, -1, "10.0.0.9 of b on a b" },
-        { full, { .iface = "idle" }, "10.0.0.9", 0, "null of idle on idle" },
-        { full, { .iface = "A" }, "10.0.0.9", 0, "null of null on" },
-        { full, { .iface = "" }, nullptr, -1, "null of null on" },
+        { full, R"({"interface": "b"})", nullptr, -1, "10.0.0.3 of b on b" },
+        { full, R"({"interface": "b"})", "10.0.0.9", 0, "10.0.0.9 of b on a b" },
+        { full, R"({"interface": "b", "address": "10.0.0.9"})", nullptr, -1, "10.0.0.9 of b on a b" },
+        { full, R"({"interface": "idle"})", "10.0.0.9", 0, "null of idle on idle" },
+        { full, R"({"interface": "A"})", "10.0.0.9", 0, "null of null on" },
+        { full, R"({"interface": ""})", nullptr, -1, "null of null on" },
         // Each demand by itself and two that exclude each other.
-        { full, { .version = IN_ADDRESS_VERSION_6 }, "10.0.0.9", 0, "fd00::3 of b on b" },
-        { full, { .version = IN_ADDRESS_VERSION_4 }, "fd00::3", 1, "10.0.0.9 of b on a b" },
-        { full, { .network = "10.0.0.0/30" }, nullptr, -1, "10.0.0.3 of b on b" },
-        { full, { .network = "10.0.0.1" }, nullptr, -1, "10.0.0.1 of z on z" },
-        { full, { .address = "169.254.0.1" }, nullptr, -1, "169.254.0.1 of a on a" },
-        { full, { .address = "10.0.0.2" }, "10.0.0.9", 0, "null of null on" },
-        { full, { .address = "fd00::3", .version = IN_ADDRESS_VERSION_4 }, nullptr, -1, "null of null on" },
-        { full, { .flags = loopback }, "10.0.0.9", 0, "127.0.0.1 of lo on lo" },
-        { full, { .version = IN_ADDRESS_VERSION_6, .flags = loopback }, nullptr, -1, "::1 of lo on lo" },
-        { full, { .iface = "a", .flags = loopback }, nullptr, -1, "null of a on a" },
+        { full, R"({"addressVersion": "IN_ADDRESS_VERSION_6"})", "10.0.0.9", 0, "fd00::3 of b on b" },
+        { full, R"({"addressVersion": "IN_ADDRESS_VERSION_4"})", "fd00::3", 1, "10.0.0.9 of b on a b" },
+        { full, R"({"network": "10.0.0.0/30"})", nullptr, -1, "10.0.0.3 of b on b" },
+        { full, R"({"network": "10.0.0.1"})", nullptr, -1, "10.0.0.1 of z on z" },
+        { full, R"({"address": "169.254.0.1"})", nullptr, -1, "169.254.0.1 of a on a" },
+        { full, R"({"address": "10.0.0.2"})", "10.0.0.9", 0, "null of null on" },
+        { full, R"({"address": "fd00::3", "addressVersion": "IN_ADDRESS_VERSION_4"})", nullptr, -1, "null of null on" },
+        { full, R"({"flags": "IN_FLAG_LOOPBACK_ONLY"})", "10.0.0.9", 0, "127.0.0.1 of lo on lo" },
+        { full, R"({"interface": "a", "flags": "IN_FLAG_LOOPBACK_ONLY"})", nullptr, -1, "null of a on a" },
     };
     for ( const auto &row : rows ) {
         SCOPED_TRACE( testing::Message() << "row " << &row - rows << ", expected " << row.expected );
         const auto host = makeHost( row.host );
+        const auto options = pb::adopt( inOptionsRestore( support::store( row.options ).get() ) );
         const Address previous = row.previousAddress ? address( row.previousAddress ) : nullptr;
         const auto previousPrimary =
             row.previousPrimary < 0 ? std::nullopt : std::optional<size_t>( row.previousPrimary );
-        const auto choice = in::chooseAddress( row.wish.options().get(), previous.get(), previousPrimary, host );
+        const auto choice = in::chooseAddress( options.get(), previous.get(), previousPrimary, host );
         const auto name = [&host]( size_t index ) { return pb::utf8( host[index].identifier ); };
         std::string text = pb::utf8( pb::adopt( pbObjToString( inAddressObj( choice.address.get() ) ) ) ) + " of " +
                            ( choice.primaryInterface ? name( *choice.primaryInterface ) : "null" ) + " on";
@@ -129,26 +103,21 @@ TEST( NwUtil, ChoosesAddressAndInterfaces )
 
 TEST( NwInterfaceImp, PrefixLengthOfANetmask )
 {
-    const struct {
-        const char *netmask;
-        pbInt prefixLength;
-    } rows[] = {
-        { "0.0.0.0", 0 },
-        { "128.0.0.0", 1 },
-        { "255.255.0.0", 16 },
-        { "255.255.255.254", 31 },
-        { "255.255.255.255", -1 },
-        { "255.0.255.0", -1 },
-        { "0.0.0.1", -1 },
-        { "255.253.0.0", -1 },
-        { "::", 0 },
-        { "ffff:fe00::", 23 },
-        { "ffff:ffff:ffff:ffff:ffff:ffff:ffff:fffe", 127 },
-        { "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff", -1 },
-        { "ffff::1", -1 },
-    };
-    for ( const auto &row : rows )
-        EXPECT_EQ( in___NwInterfaceImpPrefixLength( address( row.netmask ).get() ), row.prefixLength ) << row.netmask;
+    const std::pair<const char *, pbInt> rows[] = { { "0.0.0.0", 0 },
+                                                    { "128.0.0.0", 1 },
+                                                    { "255.255.0.0", 16 },
+                                                    { "255.255.255.254", 31 },
+                                                    { "255.255.255.255", -1 },
+                                                    { "255.0.255.0", -1 },
+                                                    { "0.0.0.1", -1 },
+                                                    { "255.253.0.0", -1 },
+                                                    { "::", 0 },
+                                                    { "ffff::1", -1 },
+                                                    { "ffff:fe00::", 23 },
+                                                    { "ffff:ffff:ffff:ffff:ffff:ffff:ffff:fffe", 127 },
+                                                    { "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff", -1 } };
+    for ( const auto &[netmask, length] : rows )
+        EXPECT_EQ( in___NwInterfaceImpPrefixLength( address( netmask ).get() ), length ) << netmask;
 }
 
 TEST( NwInterfaces, NamesOfProcNetDev )
@@ -184,18 +153,10 @@ TEST( NwDeathTest, Preconditions )
 {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto name = pb::string( "x" );
-    const struct {
-        std::function<void()> call;
-        const char *expression;
-    } rows[] = {
-        { [&] { (void)in___NwInterfaceImpCreate( nullptr, true, nullptr ); }, "identifier" },
-        { [&] { (void)in___NwInterfaceImpCreate( name.get(), false, nullptr ); }, "canSetStatus" },
-        { [&] { in___NwInterfacesProcessFunc( pbStringObj( name.get() ) ); }, "!argument" },
-        { [] { in___NwUtilFindAddressAndInterface( nullptr, nullptr, nullptr, nullptr ); }, "options" },
-        { [] { inNwInterfacesUpdateAddSignalable( nullptr ); }, "signalable" },
-    };
-    for ( const auto &row : rows )
-        EXPECT_DEATH( row.call(), std::string( ": " ) + row.expression + "\n" );
+    EXPECT_DEATH( (void)in___NwInterfaceImpCreate( nullptr, true, nullptr ), ": identifier\n" );
+    EXPECT_DEATH( (void)in___NwInterfaceImpCreate( name.get(), false, nullptr ), ": canSetStatus\n" );
+    EXPECT_DEATH( in___NwInterfacesProcessFunc( pbStringObj( name.get() ) ), ": !argument\n" );
+    EXPECT_DEATH( in___NwUtilFindAddressAndInterface( nullptr, nullptr, nullptr, nullptr ), ": options\n" );
 }
 
 } // namespace
