@@ -23,7 +23,7 @@ namespace {
 
 constexpr pbInt datagramCount = 10'000;
 constexpr pbInt datagramBytes = 172; // 20 ms of G.711 voice behind an RTP header (RFC 3551)
-constexpr size_t traceLines = 9;
+constexpr size_t traceLines = 12;
 
 struct TourOptions {
     std::string file; // empty: the example

@@ -2,6 +2,8 @@
 // process: the one whose socket is bound to the channel's address and port.
 #include "inctl/marking.hpp"
 
+#include "inctl/socket_address.hpp"
+
 #include "in/base/in_address.h"
 #include "in/udp/in_udp_address.h"
 #include "pb/pb_object.hpp"
@@ -21,34 +23,6 @@ namespace {
 
 constexpr int patience = 1000; // milliseconds for a datagram to cross this host
 
-// An address and port in the system's form, to be compared byte by byte.
-struct Endpoint {
-    sockaddr_storage storage{};
-    socklen_t length = 0;
-
-    explicit Endpoint( const struct inUdpAddress *udpAddress )
-    {
-        const auto address = pb::adopt( inUdpAddressAddress( udpAddress ) );
-        const uint16_t port = htons( static_cast<uint16_t>( inUdpAddressPort( udpAddress ) ) );
-        if ( inAddressIsV4( address.get() ) ) {
-            auto &in4 = reinterpret_cast<sockaddr_in &>( storage );
-            in4.sin_family = AF_INET;
-            in4.sin_port = port;
-            std::memcpy( &in4.sin_addr, inAddressBacking( address.get() ), sizeof in4.sin_addr );
-            length = sizeof in4;
-        }
-        else {
-            auto &in6 = reinterpret_cast<sockaddr_in6 &>( storage );
-            in6.sin6_family = AF_INET6;
-            in6.sin6_port = port;
-            std::memcpy( &in6.sin6_addr, inAddressBacking( address.get() ), sizeof in6.sin6_addr );
-            length = sizeof in6;
-        }
-    }
-
-    bool isV4() const { return storage.ss_family == AF_INET; }
-};
-
 std::optional<int> option( int descriptor, int level, int name )
 {
     int value = 0;
@@ -58,7 +32,7 @@ std::optional<int> option( int descriptor, int level, int name )
     return value;
 }
 
-std::optional<int> descriptorOf( const Endpoint &endpoint )
+std::optional<int> descriptorOf( const SocketAddress &address )
 {
     std::error_code error;
     for ( const auto &entry : std::filesystem::directory_iterator( "/proc/self/fd", error ) ) {
@@ -69,7 +43,7 @@ std::optional<int> descriptorOf( const Endpoint &endpoint )
         socklen_t length = sizeof bound;
         if ( option( descriptor, SOL_SOCKET, SO_TYPE ) == SOCK_DGRAM &&
              getsockname( descriptor, reinterpret_cast<sockaddr *>( &bound ), &length ) == 0 &&
-             length == endpoint.length && std::memcmp( &bound, &endpoint.storage, length ) == 0 )
+             length == address.length && std::memcmp( &bound, &address.storage, length ) == 0 )
             return descriptor;
     }
     return std::nullopt;
@@ -102,43 +76,36 @@ std::optional<int> tosOfNext( int descriptor )
     return std::nullopt;
 }
 
-// A plain socket beside the channel's receives one datagram and looks at its header.
-std::optional<int> receivedTos( struct inUdpChannel *channel, Endpoint beside )
+// A plain socket on the channel's address receives one datagram of it and looks at the header.
+std::optional<int> receivedTos( struct inUdpChannel *channel, const struct inAddress *address )
 {
-    const int descriptor = socket( beside.storage.ss_family, SOCK_DGRAM | SOCK_CLOEXEC, 0 );
-    if ( descriptor < 0 )
-        return std::nullopt;
+    SocketAddress beside( address, 0 );
+    const PlainSocket receiver( beside );
     const int on = 1;
-    setsockopt( descriptor, beside.isV4() ? IPPROTO_IP : IPPROTO_IPV6, beside.isV4() ? IP_RECVTOS : IPV6_RECVTCLASS,
-                &on, sizeof on );
-    // The port lies at the same place in both forms of an address.
-    auto &in4 = reinterpret_cast<sockaddr_in &>( beside.storage );
-    in4.sin_port = 0;
-    std::optional<int> tos;
-    if ( bind( descriptor, reinterpret_cast<const sockaddr *>( &beside.storage ), beside.length ) == 0 &&
-         getsockname( descriptor, reinterpret_cast<sockaddr *>( &beside.storage ), &beside.length ) == 0 ) {
-        const auto local = pb::adopt( inUdpChannelLocalAddress( channel ) );
-        const auto address = pb::adopt( inUdpAddressAddress( local.get() ) );
-        const auto target = pb::adopt( inUdpAddressCreate( address.get(), ntohs( in4.sin_port ) ) );
-        inUdpChannelSendBytes( channel, target.get(), "marked", 6 );
-        tos = tosOfNext( descriptor );
-    }
-    close( descriptor );
-    return tos;
+    setsockopt( receiver.descriptor(), beside.isV4() ? IPPROTO_IP : IPPROTO_IPV6,
+                beside.isV4() ? IP_RECVTOS : IPV6_RECVTCLASS, &on, sizeof on );
+    if ( bind( receiver.descriptor(), beside.get(), beside.length ) != 0 ||
+         getsockname( receiver.descriptor(), beside.get(), &beside.length ) != 0 )
+        return std::nullopt;
+    const auto target = pb::adopt( inUdpAddressCreate( address, beside.port() ) );
+    inUdpChannelSendBytes( channel, target.get(), "marked", 6 );
+    return tosOfNext( receiver.descriptor() );
 }
 
 } // namespace
 
 Marking readMarking( struct inUdpChannel *channel )
 {
-    const Endpoint endpoint( pb::adopt( inUdpChannelLocalAddress( channel ) ).get() );
+    const auto local = pb::adopt( inUdpChannelLocalAddress( channel ) );
+    const auto address = pb::adopt( inUdpAddressAddress( local.get() ) );
+    const SocketAddress bound( address.get(), inUdpAddressPort( local.get() ) );
     Marking marking;
-    if ( const auto descriptor = descriptorOf( endpoint ) ) {
-        marking.socketTos = endpoint.isV4() ? option( *descriptor, IPPROTO_IP, IP_TOS )
-                                            : option( *descriptor, IPPROTO_IPV6, IPV6_TCLASS );
+    if ( const auto descriptor = descriptorOf( bound ) ) {
+        marking.socketTos =
+            bound.isV4() ? option( *descriptor, IPPROTO_IP, IP_TOS ) : option( *descriptor, IPPROTO_IPV6, IPV6_TCLASS );
         marking.socketPriority = option( *descriptor, SOL_SOCKET, SO_PRIORITY );
     }
-    marking.receivedTos = receivedTos( channel, endpoint );
+    marking.receivedTos = receivedTos( channel, address.get() );
     return marking;
 }
 

@@ -5,6 +5,7 @@
 #include "inctl/endpoint.hpp"
 #include "inctl/exit_code.hpp"
 #include "inctl/items.hpp"
+#include "inctl/socket_address.hpp"
 
 #include "in/base/in_address_version.h"
 #include "in/base/in_flags.h"
@@ -20,70 +21,30 @@
 #include <fmt/format.h>
 #include <net/if.h>
 #include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace inctl {
 namespace {
 
 constexpr pbInt channelLimit = 16384;
 
-class ProbeSocket {
-public:
-    explicit ProbeSocket( const struct inAddress *address )
-        : descriptor_( socket( inAddressIsV4( address ) ? AF_INET : AF_INET6, SOCK_DGRAM | SOCK_CLOEXEC, 0 ) )
-    {
-    }
-    ~ProbeSocket()
-    {
-        if ( descriptor_ >= 0 )
-            close( descriptor_ );
-    }
-    ProbeSocket( const ProbeSocket & ) = delete;
-    ProbeSocket &operator=( const ProbeSocket & ) = delete;
-
-    int descriptor() const { return descriptor_; }
-
-private:
-    int descriptor_;
-};
-
-socklen_t fillSockaddr( sockaddr_storage &storage, const struct inAddress *address, pbInt port )
-{
-    storage = {};
-    if ( inAddressIsV4( address ) ) {
-        auto &in4 = reinterpret_cast<sockaddr_in &>( storage );
-        in4.sin_family = AF_INET;
-        in4.sin_port = htons( static_cast<uint16_t>( port ) );
-        std::memcpy( &in4.sin_addr, inAddressBacking( address ), sizeof in4.sin_addr );
-        return sizeof in4;
-    }
-    auto &in6 = reinterpret_cast<sockaddr_in6 &>( storage );
-    in6.sin6_family = AF_INET6;
-    in6.sin6_port = htons( static_cast<uint16_t>( port ) );
-    std::memcpy( &in6.sin6_addr, inAddressBacking( address ), sizeof in6.sin6_addr );
-    return sizeof in6;
-}
-
 // The error of binding, or of joining where interface is not null; 0 when the system has nothing against it.
 int probe( const struct inAddress *address, pbInt port, const std::string *interface )
 {
-    const ProbeSocket probed( address );
+    const SocketAddress local( address, port );
+    const PlainSocket probed( local );
     if ( probed.descriptor() < 0 )
         return errno;
-    sockaddr_storage storage;
-    const socklen_t length = fillSockaddr( storage, address, port );
     const int on = 1;
     if ( interface )
         setsockopt( probed.descriptor(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on );
-    if ( bind( probed.descriptor(), reinterpret_cast<const sockaddr *>( &storage ), length ) != 0 )
+    if ( bind( probed.descriptor(), local.get(), local.length ) != 0 )
         return errno;
     if ( !interface )
         return 0;
     group_req request{};
     request.gr_interface = interface->empty() ? 0 : if_nametoindex( interface->c_str() );
-    std::memcpy( &request.gr_group, &storage, length );
-    const int level = inAddressIsV4( address ) ? IPPROTO_IP : IPPROTO_IPV6;
+    request.gr_group = local.storage;
+    const int level = local.isV4() ? IPPROTO_IP : IPPROTO_IPV6;
     return setsockopt( probed.descriptor(), level, MCAST_JOIN_GROUP, &request, sizeof request ) == 0 ? 0 : errno;
 }
 
@@ -104,8 +65,8 @@ Failure systemRefusal( int error, const std::string &address, pbInt port )
     case ENFILE:
         return { Exit::System, fmt::format( "no more descriptors: {}; see ulimit -n", std::strerror( error ) ) };
     case 0:
-        return { Exit::System, fmt::format( "the system accepts port {} on {}, so the table of {} channels is full",
-                                            port, address, channelLimit ) };
+        return { Exit::System, fmt::format( "the system has nothing against it, so the table of {} channels is full",
+                                            channelLimit ) };
     default:
         return { Exit::System, fmt::format( "port {} on {}: {}", port, address, std::strerror( error ) ) };
     }
