@@ -72,9 +72,7 @@ TEST( HostDeathTest, StartsOnceAndNamesDoNotRepeat )
 {
     const auto child = [] {
         const std::string first = run( { "", "", "", "" } ), second = run( { "", "", "", "" } );
-        static pbModule twin = Scripted<'a'>::module;
-        static pbModuleRecord twinRecord = *twin.record;
-        twin.record = &twinRecord;
+        pbModule twin = Scripted<'a'>::module;
         const pbModule *const modules[] = { &Scripted<'a'>::module, &twin };
         pb::String reason = pb::string( "a reason before" );
         pb::adopt( pbHostTryStart( modules, 2, reason.address() ) ).reset();
