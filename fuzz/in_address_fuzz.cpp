@@ -14,9 +14,10 @@ namespace {
 void checkReaders( const struct pbString *text )
 {
     uint8_t quick[16], patient[16];
-    if ( in::text::quickV4( pb::view( text ), quick ) )
+    const int length = in::text::quick( pb::view( text ), quick );
+    if ( length == 4 )
         PB_ASSERT( in::text::patientV4( text, patient ) && std::memcmp( quick, patient, 4 ) == 0 );
-    if ( in::text::quickV6( pb::view( text ), quick ) )
+    if ( length == 16 )
         PB_ASSERT( in::text::patientV6( text, patient ) && std::memcmp( quick, patient, 16 ) == 0 );
     PB_ASSERT( !in::text::patientV4( text, patient ) || !in::text::patientV6( text, patient ) );
 }

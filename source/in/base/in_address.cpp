@@ -9,28 +9,9 @@
 
 namespace {
 
-using Reader = bool( const struct pbString *, uint8_t * );
-
-struct inAddress *tryReadV4( const struct pbString *source, Reader *read )
+pb::Ref<struct inAddress> made( int length, const uint8_t *bytes )
 {
-    uint8_t bytes[4];
-    return read( source, bytes ) ? inAddress::fromV4( bytes ).release() : nullptr;
-}
-
-struct inAddress *tryReadV6( const struct pbString *source, Reader *read )
-{
-    uint8_t bytes[16];
-    return read( source, bytes ) ? inAddress::fromV6( bytes ).release() : nullptr;
-}
-
-bool quickV4( const struct pbString *source, uint8_t *bytes )
-{
-    return in::text::quickV4( pb::view( source ), bytes );
-}
-
-bool quickV6( const struct pbString *source, uint8_t *bytes )
-{
-    return in::text::quickV6( pb::view( source ), bytes );
+    return length == 4 ? inAddress::fromV4( bytes ) : length == 16 ? inAddress::fromV6( bytes ) : nullptr;
 }
 
 pb::String ascii( const char *first, const char *end )
@@ -95,29 +76,30 @@ struct inAddress *inAddressCreateV6FromV4( const struct inAddress *ina )
 struct inAddress *inAddressTryCreateFromString( const struct pbString *source )
 {
     PB_ASSERT( source );
-    if ( struct inAddress *address = tryReadV4( source, quickV4 ) )
-        return address;
-    if ( struct inAddress *address = tryReadV6( source, quickV6 ) )
-        return address;
-    if ( struct inAddress *address = tryReadV4( source, in::text::patientV4 ) )
-        return address;
-    return tryReadV6( source, in::text::patientV6 );
+    uint8_t bytes[16];
+    if ( const int length = in::text::quick( pb::view( source ), bytes ) )
+        return made( length, bytes ).release();
+    if ( in::text::patientV4( source, bytes ) )
+        return made( 4, bytes ).release();
+    return in::text::patientV6( source, bytes ) ? made( 16, bytes ).release() : nullptr;
 }
 
 struct inAddress *inAddressTryCreateV4FromString( const struct pbString *source )
 {
     PB_ASSERT( source );
-    if ( struct inAddress *address = tryReadV4( source, quickV4 ) )
-        return address;
-    return tryReadV4( source, in::text::patientV4 );
+    uint8_t bytes[16];
+    if ( in::text::quick( pb::view( source ), bytes ) == 4 || in::text::patientV4( source, bytes ) )
+        return made( 4, bytes ).release();
+    return nullptr;
 }
 
 struct inAddress *inAddressTryCreateV6FromString( const struct pbString *source )
 {
     PB_ASSERT( source );
-    if ( struct inAddress *address = tryReadV6( source, quickV6 ) )
-        return address;
-    return tryReadV6( source, in::text::patientV6 );
+    uint8_t bytes[16];
+    if ( in::text::quick( pb::view( source ), bytes ) == 16 || in::text::patientV6( source, bytes ) )
+        return made( 16, bytes ).release();
+    return nullptr;
 }
 
 struct inAddress *inAddressTryCreateFromChars( const pbChar *chars, pbInt count )
@@ -151,14 +133,9 @@ struct inAddress *inAddressTryCreateFromHost( const struct pbString *source )
 struct inAddress *inAddressTryCreateFromBuffer( const struct pbBuffer *buffer )
 {
     PB_ASSERT( buffer );
-    switch ( pbBufferLength( buffer ) ) {
-    case 4:
-        return inAddress::fromV4( pbBufferBacking( buffer ) ).release();
-    case 16:
-        return inAddress::fromV6( pbBufferBacking( buffer ) ).release();
-    default:
-        return nullptr;
-    }
+    const pbInt length = pbBufferLength( buffer );
+    return length == 4 || length == 16 ? made( static_cast<int>( length ), pbBufferBacking( buffer ) ).release()
+                                       : nullptr;
 }
 
 pbInt inAddressVersion( const struct inAddress *ina )

@@ -10,9 +10,9 @@
 
 namespace in::text {
 
-// Four and sixteen bytes in network order; false leaves them unspecified.
-bool quickV4( std::u32string_view text, uint8_t *bytes );
-bool quickV6( std::u32string_view text, uint8_t *bytes );
+// The number of bytes read, 4 or 16 in network order; 0 when the text is none of the usual forms, an address or not.
+int quick( std::u32string_view text, uint8_t *bytes );
+// False leaves the bytes unspecified.
 bool patientV4( const struct pbString *text, uint8_t *bytes );
 bool patientV6( const struct pbString *text, uint8_t *bytes );
 
