@@ -1,142 +1,147 @@
-// Processes, domains and the module, one property at a time.
-#include "pr/probe.hpp"
-
+// Processes, domains and the module, alone and under contention.
 #include "pb/pb_alert.h"
 #include "pb/pb_alertable.h"
+#include "pb/pb_signal.h"
+#include "pb/pb_signalable.h"
 #include "pb/pb_timer.h"
 #include "pb/pb_wake.hpp"
+#include "pr/pr_domain.h"
 #include "pr/pr_module.h"
+#include "pr/pr_process.h"
+#include "pr/pr_test.hpp"
+#include "support/death_table.hpp"
 
-#include <gmock/gmock.h>
 #include <semaphore>
 #include <thread>
 
-using testing::ElementsAre;
+// What a process runs; counts its own destructions.
+PB_SORT_DECLARE( prProbeSort )
+struct Probe final : pb::Object<Probe, prProbeSort> {
+    const std::function<void()> body;
+    std::atomic<int> *const destroyed;
+
+    Probe( std::function<void()> run, std::atomic<int> *count ) : body( std::move( run ) ), destroyed( count ) {}
+    ~Probe() { destroyed ? void( ++*destroyed ) : void(); }
+};
+constinit const struct pbSort prProbeSort = pb::detail::makeSort<Probe>( "PROBE" );
 
 namespace {
 
+using Process = pb::Ref<struct prProcess>;
 using Domain = pb::Ref<struct prDomain>;
-using Gate = std::counting_semaphore<>;
 
-Domain domain( pbInt threads ) { return pb::adopt( prDomainTryCreate( threads, 3, 0 ) ); }
-
-TEST( PrProcess, SchedulesBeforeARunCollapseAndOneDuringItCausesOneMore )
+// The process alone holds the probe.
+Process process( std::function<void()> body, std::atomic<int> *destroyed = nullptr, const Domain &domain = nullptr,
+                 pbInt priority = 1 )
 {
-    const Domain one = domain( 1 );
-    Gate entered( 0 ), go( 0 );
-    std::atomic<int> runs{ 0 };
-    const auto caller = std::this_thread::get_id();
-    const Process blocker = process( [&] { entered.release(), go.acquire(); }, nullptr, 1, one.get() );
-    const Process counted = process(
-        [&] {
-            EXPECT_NE( std::this_thread::get_id(), caller );
-            ++runs;
-            entered.release();
-            go.acquire();
-        },
-        nullptr, 1, one.get() );
-    prProcessSchedule( blocker.get() );
-    entered.acquire();
-    for ( int i = 0; i < 3; ++i )
-        prProcessSchedule( counted.get() );
-    go.release(); // the blocker ends
-    entered.acquire();
-    EXPECT_EQ( runs, 1 );
-    for ( int i = 0; i < 3; ++i )
-        prProcessSchedule( counted.get() ); // during the first run
-    go.release();
-    entered.acquire();
-    go.release();
-    const Process last = process( [&] { entered.release(); }, nullptr, 1, one.get() );
-    prProcessSchedule( last.get() );
-    entered.acquire();
+    const auto probe = pb::make<Probe>( std::move( body ), destroyed );
+    const auto run = []( struct pbObj *argument ) { static_cast<Probe *>( argument )->body(); };
+    return pb::adopt( domain ? prProcessCreateInDomainCstr( domain.get(), priority, run, probe.get(), "probe", -1 )
+                             : prProcessCreateWithPriorityCstr( priority, run, probe.get(), "probe", -1 ) );
+}
+
+// A domain whose only thread is held inside a process until it is let go.
+struct PrHeld : testing::Test {
+    std::counting_semaphore<> entered{ 0 }, go{ 0 };
+    std::atomic<int> runs{ 0 }, destroyed{ 0 };
+    Domain domain = pb::adopt( prDomainTryCreate( 1, 3, 0 ) );
+    const Process holder = process( [this] { hold(); }, nullptr, domain );
+
+    PrHeld() { prProcessSchedule( holder.get() ), entered.acquire(); }
+    void hold() { entered.release(), go.acquire(); }
+    // Lets the holder go and waits for all that is queued behind it.
+    void finish()
+    {
+        const Process last = process( [this] { entered.release(); }, nullptr, domain, 0 );
+        prProcessSchedule( last.get() );
+        go.release();
+        entered.acquire();
+    }
+};
+
+TEST_F( PrHeld, SchedulesBeforeARunCollapseAndOneDuringItCausesOneMore )
+{
+    const Process counted = process( [this] { ++runs, hold(); }, nullptr, domain );
+    for ( int expected = 1; expected <= 2; ++expected ) {
+        for ( int i = 0; i < 3; ++i )
+            prProcessSchedule( counted.get() );
+        go.release();
+        entered.acquire();
+        EXPECT_EQ( runs, expected );
+    }
+    finish();
     EXPECT_EQ( runs, 2 );
 }
 
-TEST( PrProcess, HigherPrioritiesRunFirstAndEqualOnesInOrder )
+TEST_F( PrHeld, HigherPrioritiesRunFirstAndEqualOnesInOrder )
 {
-    const Domain one = domain( 1 );
-    Gate entered( 0 ), go( 0 );
-    const Process blocker = process( [&] { entered.release(), go.acquire(); }, nullptr, 9, one.get() );
-    prProcessSchedule( blocker.get() );
-    entered.acquire();
     std::vector<int> order;
-    std::vector<Process> processes;
     const pbInt priorities[] = { 1, 0, 9, 1, 9, 5 };
-    for ( int i = 0; i < 6; ++i ) {
-        processes.push_back( process( [&order, i] { order.push_back( i ); }, nullptr, priorities[i], one.get() ) );
-        prProcessSchedule( processes.back().get() );
-    }
-    const Process last = process( [&] { entered.release(); }, nullptr, 0, one.get() );
-    prProcessSchedule( last.get() );
-    go.release();
-    entered.acquire();
-    EXPECT_THAT( order, ElementsAre( 2, 4, 5, 0, 3, 1 ) );
+    for ( int i = 0; i < 6; ++i ) // released while pending, and run all the same
+        prProcessSchedule( process( [&order, i] { order.push_back( i ); }, &destroyed, domain, priorities[i] ).get() );
+    finish();
+    EXPECT_THAT( order, testing::ElementsAre( 2, 4, 5, 0, 3, 1 ) );
+    EXPECT_EQ( destroyed, 6 );
 }
 
-TEST( PrProcess, HaltCancelsAPendingRunAndReleasesTheArgumentOnce )
+TEST_F( PrHeld, HaltCancelsAPendingRunAndReleasesTheArgumentInASchedulerThread )
 {
-    const Domain one = domain( 1 );
-    Gate entered( 0 ), go( 0 );
-    std::atomic<int> runs{ 0 }, destroyed{ 0 };
-    const Process blocker = process( [&] { entered.release(), go.acquire(); }, nullptr, 1, one.get() );
-    prProcessSchedule( blocker.get() );
-    entered.acquire();
-    const Process pending = process( [&] { ++runs; }, &destroyed, 1, one.get() );
-    const Process idle = process( [&] { ++runs; }, &destroyed, 1, one.get() );
+    const Process pending = process( [this] { ++runs; }, &destroyed, domain );
+    const Process idle = process( [this] { ++runs; }, &destroyed, domain );
     prProcessSchedule( pending.get() );
     for ( const Process &halted : { pending, idle } ) {
-        EXPECT_FALSE( prProcessHalted( halted.get() ) );
-        prProcessHalt( halted.get() );
-        prProcessHalt( halted.get() );
+        for ( int i = 0; i < 2; ++i )
+            prProcessHalt( halted.get() );
         EXPECT_TRUE( prProcessHalted( halted.get() ) );
         prProcessSchedule( halted.get() );
     }
-    EXPECT_EQ( destroyed, 0 ); // never in the thread that halts
+    EXPECT_EQ( destroyed, 0 );
     go.release();
     prProcessEndWait( pending.get() );
     prProcessEndWait( idle.get() );
-    EXPECT_EQ( destroyed, 2 ); // before the end is signalled
+    EXPECT_EQ( destroyed, 2 );
     EXPECT_EQ( runs, 0 );
+}
+
+TEST_F( PrHeld, ReleaseOfTheDomainWaitsForTheRunUnderWayAndDropsTheRest )
+{
+    const Process pending = process( [this] { ++runs; }, &destroyed, domain );
+    const Process halted = process( [this] { ++runs; }, &destroyed, domain );
+    prProcessSchedule( pending.get() );
+    prProcessHalt( halted.get() );
+    std::atomic<bool> let{ false };
+    std::thread releasing( [&] {
+        let = true;
+        go.release();
+    } );
+    domain.reset();
+    EXPECT_TRUE( let );
+    releasing.join();
+    EXPECT_LE( runs, 1 );
+    prProcessSchedule( pending.get() );
+    prProcessHalt( pending.get() );
+    prProcessEndWait( pending.get() );
+    prProcessEndWait( halted.get() );
+    EXPECT_EQ( destroyed, 2 );
 }
 
 TEST( PrProcess, HaltFromInsideLetsTheRunGoOnWithItsArgument )
 {
-    std::atomic<int> destroyed{ 0 }, runs{ 0 };
-    Gate ended( 0 );
+    std::atomic<int> destroyed{ 0 }, ended{ 0 };
     Process halting;
     halting = process(
         [&] {
             prProcessSchedule( halting.get() );
             prProcessHalt( halting.get() );
-            prProcessSchedule( halting.get() );
             EXPECT_EQ( destroyed, 0 );
-            ++runs;
         },
         &destroyed );
-    // The end wakes signalables that are added before it and at once those that come after.
-    const Process before = process( [&] { ended.release(); } ), after = process( [&] { ended.release(); } );
-    const auto add = [&]( const Process &woken ) {
-        prProcessEndAddSignalable( halting.get(), pb::adopt( prProcessCreateSignalable( woken.get() ) ).get() );
-    };
-    add( before );
+    const Process observer = process( [&] { ended = destroyed.load(); } );
+    const auto signalable = pb::adopt( prProcessCreateSignalable( observer.get() ) );
+    prProcessEndAddSignalable( halting.get(), signalable.get() );
     prProcessSchedule( halting.get() );
-    ended.acquire();
-    EXPECT_EQ( destroyed, 1 );
-    EXPECT_EQ( runs, 1 );
-    add( after );
-    ended.acquire();
     pr___Quiesce();
-}
-
-TEST( PrProcess, ReleasedWhilePendingItStillRuns )
-{
-    std::atomic<int> runs{ 0 }, destroyed{ 0 };
-    for ( int i = 0; i < 100; ++i )
-        prProcessSchedule( process( [&] { ++runs; }, &destroyed ).get() );
-    pr___Quiesce();
-    EXPECT_EQ( runs, 100 );
-    EXPECT_EQ( destroyed, 100 );
+    EXPECT_EQ( ended, 1 ); // woken by the end, after the argument went
 }
 
 TEST( PrProcess, SignalsAlertsAndTimersScheduleIt )
@@ -148,88 +153,109 @@ TEST( PrProcess, SignalsAlertsAndTimersScheduleIt )
         EXPECT_FALSE( pbTimerScheduled( timer.get() ) ); // the expiry clears it before it wakes
     } );
     timer = pb::adopt( prProcessCreateTimer( woken.get() ) );
-    const pb::Ref<struct pbSignal> signal = pb::adopt( pbSignalCreate() );
+    const auto signal = pb::adopt( pbSignalCreate() );
     pbSignalAddSignalable( signal.get(), pb::adopt( prProcessCreateSignalable( woken.get() ) ).get() );
     pbSignalAssert( signal.get() );
     pr___Quiesce();
     EXPECT_EQ( runs, 1 );
-
-    const pb::Ref<struct pbAlert> alert = pb::adopt( pbAlertCreate() );
+    const auto alert = pb::adopt( pbAlertCreate() );
     pbAlertSet( alert.get() );
     pbAlertAddAlertable( alert.get(), pb::adopt( prProcessCreateAlertable( woken.get() ) ).get() );
     pr___Quiesce();
     EXPECT_EQ( runs, 2 );
-
     pb___ClockDrive( true );
     pbTimerSchedule( timer.get(), 600'000 );
-    pb___ClockAdvance( 599'999 );
-    pr___Quiesce();
-    EXPECT_EQ( runs, 2 );
-    pb___ClockAdvance( 1 );
-    pr___Quiesce();
-    EXPECT_EQ( runs, 3 );
+    for ( const auto &[advance, expected] : { std::pair{ 599'999, 2 }, { 1, 3 } } ) {
+        pb___ClockAdvance( advance );
+        pr___Quiesce();
+        EXPECT_EQ( runs, expected );
+    }
     pb___ClockDrive( false );
-    prProcessHalt( woken.get() );
-    pr___Quiesce();
-}
-
-TEST( PrDomain, ReleaseWaitsForTheRunUnderWayAndDropsTheRest )
-{
-    Domain one = domain( 1 );
-    Gate entered( 0 );
-    std::atomic<bool> finished{ false };
-    std::atomic<int> runs{ 0 }, destroyed{ 0 };
-    const Process running = process(
-        [&] {
-            entered.release();
-            for ( int i = 0; i < 1000; ++i )
-                std::this_thread::yield();
-            finished = true;
-        },
-        &destroyed, 1, one.get() );
-    prProcessSchedule( running.get() );
-    entered.acquire();
-    const Process pending = process( [&] { ++runs; }, &destroyed, 1, one.get() );
-    const Process halted = process( [&] { ++runs; }, &destroyed, 1, one.get() );
-    prProcessSchedule( pending.get() );
-    prProcessHalt( halted.get() );
-    one.reset();
-    EXPECT_TRUE( finished );
-    EXPECT_EQ( destroyed, 1 ); // the halted one
-    prProcessSchedule( pending.get() );
-    prProcessSchedule( running.get() );
-    EXPECT_EQ( runs, 0 );
-    prProcessHalt( pending.get() );
-    prProcessEndWait( pending.get() );
-    EXPECT_EQ( destroyed, 2 );
 }
 
 TEST( PrModule, NothingRunsAfterShutDown )
 {
-    const pbModule *const module = prModule();
-    ASSERT_TRUE( module->startup() );
+    ASSERT_TRUE( prModule()->startup() );
     std::atomic<int> runs{ 0 }, destroyed{ 0 };
     const Process counted = process( [&] { ++runs; }, &destroyed );
     prProcessSchedule( counted.get() );
     pr___Quiesce();
-    module->shutdown();
-    module->shutdownWait();
+    prModule()->shutdown();
+    prModule()->shutdownWait();
     prProcessSchedule( counted.get() );
-    pr___Quiesce();
-    EXPECT_EQ( runs, 1 );
     prProcessHalt( counted.get() );
+    EXPECT_EQ( runs, 1 );
     EXPECT_EQ( destroyed, 1 );
-    ASSERT_TRUE( module->startup() ); // for the tests that follow
+    ASSERT_TRUE( prModule()->startup() ); // for the tests that follow
+}
+
+template <class Body> void inThreads( const Body &body )
+{
+    std::vector<std::thread> threads;
+    for ( int i = 0; i < 4; ++i )
+        threads.emplace_back( body, i );
+    for ( std::thread &thread : threads )
+        thread.join();
+}
+
+// Every schedule is followed by a run that sees what was written before it. What the function counts is plain, so that
+// a run beside itself is a race.
+TEST( PrStress, NoScheduleIsLostAndRunsAreSerial )
+{
+    std::atomic<int> written[4]{};
+    int seen[4]{}, runs = 0;
+    const Process counted = process( [&] {
+        ++runs;
+        for ( int i = 0; i < 4; ++i )
+            seen[i] = written[i].load( std::memory_order_relaxed );
+    } );
+    inThreads( [&]( int thread ) {
+        for ( int round = 1; round <= 10'000; ++round ) {
+            written[thread].store( round, std::memory_order_relaxed );
+            prProcessSchedule( counted.get() );
+        }
+    } );
+    pr___Quiesce();
+    EXPECT_THAT( seen, testing::Each( 10'000 ) );
+}
+
+// Threads schedule and halt the same process, which holds itself alive through its argument and in half of the rounds
+// halts itself. It ends once, its argument goes once, and no run starts after its end.
+TEST( PrStress, HaltRacesWithSchedulesAndRuns )
+{
+    std::atomic<int> destroyed{ 0 }, late{ 0 };
+    for ( int round = 0; round < 1000; ++round ) {
+        const auto self = std::make_shared<Process>();
+        const auto over = std::make_shared<std::atomic<bool>>( false );
+        *self = process(
+            [&late, self, over, round] {
+                late += *over;
+                if ( round % 2 )
+                    prProcessHalt( self->get() );
+            },
+            &destroyed );
+        const Process racing = *self;
+        inThreads( [&]( int thread ) {
+            prProcessSchedule( racing.get() );
+            if ( thread == round % 4 )
+                prProcessHalt( racing.get() );
+            prProcessSchedule( racing.get() );
+        } );
+        prProcessEndWait( racing.get() );
+        *over = true;
+        prProcessSchedule( racing.get() );
+        EXPECT_EQ( destroyed, round + 1 );
+    }
+    pr___Quiesce();
+    EXPECT_EQ( late, 0 );
 }
 
 TEST( PrDeathTest, Preconditions )
 {
-    struct {
-        void ( *call )();
-        const char *text;
-    } const rows[] = {
+    GTEST_FLAG_SET( death_test_style, "threadsafe" );
+    support::expectDeaths( {
         { [] { prProcessSchedule( nullptr ); }, "process" },
-        { [] { process( [] {}, nullptr, 10 ); }, "priority >= 0 && priority <= 9" },
+        { [] { process( [] {}, nullptr, nullptr, 10 ); }, "priority >= 0 && priority <= 9" },
         { [] { prProcessCreateWithPriorityCstr( 1, nullptr, nullptr, "p", -1 ); }, "function" },
         { [] { prDomainTryCreate( 0, 0, 0 ); }, "threads >= 1 && threads <= 64" },
         { [] { prDomainTryCreate( 1, 0, 1 ); }, "!flags" },
@@ -240,12 +266,7 @@ TEST( PrDeathTest, Preconditions )
              pr___Quiesce();
          },
           "process != runningProcess" },
-    };
-    GTEST_FLAG_SET( death_test_style, "threadsafe" );
-    for ( const auto &row : rows ) {
-        SCOPED_TRACE( row.text );
-        EXPECT_DEATH( row.call(), testing::HasSubstr( std::string( ": " ) + row.text ) );
-    }
+    } );
 }
 
 } // namespace

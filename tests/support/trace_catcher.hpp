@@ -8,7 +8,6 @@
 #include "pb/pb_string.hpp"
 #include "tr/tr_system.h"
 
-#include <condition_variable>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -72,17 +71,6 @@ public:
                 found.push_back( event.text.value_or( "" ) );
         return found;
     }
-    // Blocks until a stream of that name has traced a text that contains the part.
-    void waitForText( const std::string &name, const std::string &part )
-    {
-        std::unique_lock lock( mutex_ );
-        arrived_.wait( lock, [&] {
-            for ( const Event &event : events_ )
-                if ( event.name == name && event.text && event.text->find( part ) != std::string::npos )
-                    return true;
-            return false;
-        } );
-    }
     std::vector<pb::Ref<struct pbBuffer>> payloads( const std::string &name ) const
     {
         std::lock_guard lock( mutex_ );
@@ -97,11 +85,6 @@ public:
     {
         const std::optional<Event> event = last( name, TR_EVENT_PROPERTY, key );
         return event ? event->value : std::nullopt;
-    }
-    pb::Ref<struct pbStore> propertyStore( const std::string &name, const std::string &key ) const
-    {
-        const std::optional<Event> event = last( name, TR_EVENT_PROPERTY, key );
-        return event ? event->store : nullptr;
     }
     pb::Ref<struct pbStore> configuration( const std::string &name ) const
     {
@@ -139,7 +122,6 @@ private:
                              copy( event.key ), copy( event.value ), pb::share( event.store ),
                              pb::share( event.payload ), event.anchorKind, event.other } );
         names_[event.stream] = events_.back().name;
-        arrived_.notify_all();
     }
 
     std::optional<Event> last( const std::string &name, pbInt kind,
@@ -153,7 +135,6 @@ private:
     }
 
     mutable std::mutex mutex_;
-    std::condition_variable arrived_;
     std::vector<Event> events_;
     std::map<pbInt, std::string> names_;
 };
