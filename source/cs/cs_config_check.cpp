@@ -95,11 +95,8 @@ private:
 
     void checkKept( JsonValue &container, pb::Ref<struct pbStore> kept, Keys keys )
     {
-        const auto usable = std::count_if( container.members.begin(), container.members.end(),
-                                           []( const auto &member ) { return member.usable(); } );
         const auto all = static_cast<pbInt>( container.members.size() );
-        if ( container.kind == JsonValue::Kind::Array && kept
-             && ( usable != all || pbStoreLength( kept.get() ) != all ) )
+        if ( container.kind == JsonValue::Kind::Array && kept && pbStoreLength( kept.get() ) != all )
             kept = nullptr;
         for ( JsonMember &member : container.members ) {
             if ( !member.usable() )

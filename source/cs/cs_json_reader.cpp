@@ -138,21 +138,14 @@ private:
             --end;
         return end;
     }
-    // The opening quote of the string whose closing quote stands before the offset. An inner quote follows an odd
-    // number of backslashes; the opening one follows none, since outside a string no backslash is JSON.
+    // The opening quote of the string whose closing quote stands before the offset: the only one without a backslash
+    // before it, since a string escapes its quotes and no backslash can stand before a string.
     size_t quoteStart( size_t end ) const
     {
-        size_t at = end - 1;
-        for ( ;; ) {
+        size_t at = end - 2;
+        while ( bytes_[at] != '"' || ( at > 0 && bytes_[at - 1] == '\\' ) )
             --at;
-            if ( bytes_[at] != '"' )
-                continue;
-            size_t backslashes = 0;
-            while ( backslashes < at && bytes_[at - 1 - backslashes] == '\\' )
-                ++backslashes;
-            if ( backslashes % 2 == 0 )
-                return at;
-        }
+        return at;
     }
     // Where the token starts that the parser had no use for, or where the lexer stopped; read counts the bytes that the
     // lexer has taken, and the end of the text as one more.
