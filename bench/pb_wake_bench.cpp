@@ -76,8 +76,10 @@ void signalAddAndDelete( benchmark::State &state )
     const auto barrier = pb::adopt( pbBarrierCreate( 0 ) );
     const auto signal = pb::adopt( pbSignalCreate() );
     std::vector<pb::Ref<pbSignalable>> others;
-    for ( int i = 0; i < state.range( 0 ); ++i )
-        pbSignalAddSignalable( signal.get(), others.emplace_back( pb::adopt( pbSignalableCreateBarrier( barrier.get() ) ) ).get() );
+    for ( int i = 0; i < state.range( 0 ); ++i ) {
+        others.push_back( pb::adopt( pbSignalableCreateBarrier( barrier.get() ) ) );
+        pbSignalAddSignalable( signal.get(), others.back().get() );
+    }
     const auto signalable = pb::adopt( pbSignalableCreateBarrier( barrier.get() ) );
     for ( auto _ : state ) {
         pbSignalAddSignalable( signal.get(), signalable.get() );

@@ -9,7 +9,9 @@ struct pbAlertable final : pb::Object<struct pbAlertable, pb___sort_PB_ALERTABLE
     void ( *const wake )( struct pbObj *target );
     const pb::Ref<pbObj> target;
 
-    pbAlertable( void ( *wake )( struct pbObj * ), struct pbObj *target ) : wake( wake ), target( pb::share( target ) ) {}
+    pbAlertable( void ( *wake )( struct pbObj * ), struct pbObj *target )
+        : wake( wake ), target( pb::share( target ) )
+    {}
 };
 
 PB_OBJECT_DEFINE( pbAlertable, pb___sort_PB_ALERTABLE )

@@ -34,7 +34,8 @@ PB_OBJECT_DEFINE( pbBarrier, pb___sort_PB_BARRIER )
 namespace {
 
 // Opened barriers whose sleepers the calling thread still has to wake. The counts stand apart from the references:
-// these have a destructor and with it a test at each access, and they are gone when a thread's own destructors still wake.
+// these have a destructor and with it a test at each access, and they are gone when other destructors of the ending
+// thread still wake.
 struct Hold {
     int depth;
     size_t count;

@@ -55,7 +55,8 @@ void clockMove( pbInt nanoseconds ) noexcept
 
 timespec monotonicDeadline( pbInt milliseconds ) noexcept
 {
-    const pbInt deadline = pbIntAddSaturating( monotonicNow(), pbIntMulSaturating( milliseconds, nanosecondsPerMillisecond ) );
+    const pbInt duration = pbIntMulSaturating( milliseconds, nanosecondsPerMillisecond );
+    const pbInt deadline = pbIntAddSaturating( monotonicNow(), duration );
     return { deadline / nanosecondsPerSecond, deadline % nanosecondsPerSecond };
 }
 

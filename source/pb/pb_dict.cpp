@@ -77,7 +77,8 @@ namespace {
 pbInt compareKeys( const pbObj *a, const pbObj *b )
 {
     if ( a->sort == &pb___sort_PB_BOXED_INT && b->sort == &pb___sort_PB_BOXED_INT ) {
-        const pbInt left = static_cast<const pbBoxedInt *>( a )->value, right = static_cast<const pbBoxedInt *>( b )->value;
+        const pbInt left = static_cast<const pbBoxedInt *>( a )->value;
+        const pbInt right = static_cast<const pbBoxedInt *>( b )->value;
         return left < right ? -1 : left > right;
     }
     return pbObjCompare( a, b );

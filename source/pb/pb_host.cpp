@@ -118,13 +118,15 @@ PB_OBJECT_DEFINE( pbHost, pb___sort_PB_HOST )
 
 extern "C" {
 
-struct pbHost *pbHostTryStart( const struct pbModule *const *modules, pbInt moduleCount, struct pbString **optionalReason )
+struct pbHost *pbHostTryStart( const struct pbModule *const *modules, pbInt moduleCount,
+                               struct pbString **optionalReason )
 {
     PB_ASSERT( moduleCount >= 0 );
     PB_ASSERT( modules || moduleCount == 0 );
     Modules ordered;
     pb::String reason;
-    if ( Order( { modules, static_cast<size_t>( moduleCount ) } ).tryMake( ordered, reason ) && tryStart( ordered, reason ) )
+    Order order( { modules, static_cast<size_t>( moduleCount ) } );
+    if ( order.tryMake( ordered, reason ) && tryStart( ordered, reason ) )
         return new pbHost( std::move( ordered ) );
     if ( optionalReason )
         pb::adopt( std::exchange( *optionalReason, reason.release() ) ).reset();

@@ -40,7 +40,8 @@ struct pbModuleVersion *pbModuleVersionTryCreateFromCstr( const char *text, pbIn
         textLength < 0 ? std::string_view( text ) : std::string_view( text, static_cast<size_t>( textLength ) );
     const size_t dot = whole.find( '.' );
     pbInt major, minor;
-    if ( dot == whole.npos || !tryParse( whole.substr( 0, dot ), major ) || !tryParse( whole.substr( dot + 1 ), minor ) )
+    if ( dot == whole.npos || !tryParse( whole.substr( 0, dot ), major )
+         || !tryParse( whole.substr( dot + 1 ), minor ) )
         return nullptr;
     return new pbModuleVersion( major, minor );
 }

@@ -25,7 +25,7 @@ public:
             makeIndex();
     }
 
-    // The reference that was kept, to be dropped when no lock is held: it may be the last one. Null when there was none.
+    // The reference that was kept, or null; to be dropped when no lock is held, since it may be the last one.
     [[nodiscard]] Ref<pbObj> remove( const pbObj *observer )
     {
         const size_t place = find( observer );

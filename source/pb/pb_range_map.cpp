@@ -21,7 +21,8 @@ using Entries = std::vector<Entry>;
 // The first entry that does not end before the key.
 Entries::const_iterator atOrBehind( const Entries &entries, pbInt key )
 {
-    return std::partition_point( entries.begin(), entries.end(), [=]( const Entry &entry ) { return entry.last < key; } );
+    return std::partition_point( entries.begin(), entries.end(),
+                                 [=]( const Entry &entry ) { return entry.last < key; } );
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// pbRangeMap: objects keyed by disjoint integer ranges, a value. Setting a range replaces what it overlaps and leaves the
-// rest of the ranges that it cuts.
+// pbRangeMap: objects keyed by disjoint integer ranges, a value. Setting a range replaces what it overlaps and leaves
+// the rest of the ranges that it cuts.
 #ifndef PB_RANGE_MAP_H
 #define PB_RANGE_MAP_H
 

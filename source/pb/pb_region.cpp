@@ -1,6 +1,6 @@
-// pbRegion: a reader/writer lock whose sides take turns. Readers that come while a writer waits stand back; when a writer
-// leaves, all readers that wait by then enter, and the next writer after them. So a writer waits for the readers inside and
-// the writers before it, and a reader for one writer.
+// pbRegion: a reader/writer lock whose sides take turns. Readers that come while a writer waits stand back; when a
+// writer leaves, all readers that wait by then enter, and the next writer after them. So a reader waits for one writer,
+// and a writer for the writers before it and one turn of readers before each.
 #include "pb/pb_region.h"
 #include "pb/pb_monitor.hpp"
 #include "pb/pb_object.hpp"
@@ -8,8 +8,8 @@
 PB_SORT_DECLARE( pb___sort_PB_REGION )
 
 struct pbRegion final : pb::Object<struct pbRegion, pb___sort_PB_REGION> {
-    // How many readers are inside, and whether a writer is inside or waits: while none does, readers come and go by this
-    // word alone. The mark changes under the monitor.
+    // How many readers are inside, and whether a writer is inside or waits: while none does, readers come and go by
+    // this word alone. The mark changes under the monitor.
     static constexpr uint64_t writerMark = uint64_t{ 1 } << 63;
     std::atomic<uint64_t> state{ 0 };
     std::atomic<bool> writerInside{ false }; // read by whoever leaves; no reader is inside while it is true

@@ -1,6 +1,6 @@
 // pbSignal: a latch and the set of what it wakes.
-// The lock is a leaf. Waking under it is what makes Del final: after Del no notification can start. References are never
-// dropped under it, since the last one may run a destructor that comes back here.
+// The lock is a leaf. Waking under it is what makes Del final: after Del no notification can start. References are
+// never dropped under it, since the last one may run a destructor that comes back here.
 #include "pb/pb_signal.h"
 #include "pb/pb_barrier.h"
 #include "pb/pb_monitor.hpp"

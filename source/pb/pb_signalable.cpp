@@ -9,7 +9,9 @@ struct pbSignalable final : pb::Object<struct pbSignalable, pb___sort_PB_SIGNALA
     void ( *const wake )( struct pbObj *target );
     const pb::Ref<pbObj> target;
 
-    pbSignalable( void ( *wake )( struct pbObj * ), struct pbObj *target ) : wake( wake ), target( pb::share( target ) ) {}
+    pbSignalable( void ( *wake )( struct pbObj * ), struct pbObj *target )
+        : wake( wake ), target( pb::share( target ) )
+    {}
 };
 
 PB_OBJECT_DEFINE( pbSignalable, pb___sort_PB_SIGNALABLE )

@@ -8,7 +8,8 @@
 #include "pb/pb_signalable.h"
 
 extern "C" {
-// wake( target ) must neither run foreign code nor take a lock under which anything is signalled. The target is retained.
+// wake( target ) must neither run foreign code nor take a lock under which anything is signalled. The target is
+// retained.
 PB_API struct pbSignalable *pb___SignalableCreate( void ( *wake )( struct pbObj *target ), struct pbObj *target );
 PB_API struct pbAlertable *pb___AlertableCreate( void ( *wake )( struct pbObj *target ), struct pbObj *target );
 
@@ -30,8 +31,8 @@ PB_API void pb___TimerShutdown( void );
 
 namespace pb {
 
-// Holds back wakes for a scope. Declared before a monitor's guard, the wakes happen after the monitor was left: a thread
-// that is woken earlier would only find it taken.
+// Holds back wakes for a scope. Declared before a monitor's guard, the wakes happen after the monitor was left: a
+// thread that is woken earlier would only find it taken.
 class WakeHold {
 public:
     WakeHold() noexcept { pb___WakesHoldBegin(); }

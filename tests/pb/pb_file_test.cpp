@@ -4,7 +4,9 @@
 #include "pb/pb_byte_sink.h"
 #include "pb/pb_line_source.h"
 #include "pb/pb_string.hpp"
-#include "support/death_table.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <unistd.h>
@@ -13,7 +15,7 @@ namespace {
 
 std::string bytesOf( const pb::Ref<pbBuffer> &buffer )
 {
-    return { reinterpret_cast<const char *>( pbBufferBacking( buffer.get() ) ), static_cast<size_t>( pbBufferLength( buffer.get() ) ) };
+    return { pbBufferBacking( buffer.get() ), pbBufferBacking( buffer.get() ) + pbBufferLength( buffer.get() ) };
 }
 
 struct TemporaryFile {
@@ -29,13 +31,6 @@ struct TemporaryFile {
     }
 };
 
-TEST( FileDeathTest, Preconditions )
-{
-    support::expectDeaths( { { [] { pbFileTryReadAll( nullptr ); }, "path" },
-                             { [] { pbLineSourceTryReadLine( nullptr ); }, "source" },
-                             { [] { pbByteSinkWrite( pb::adopt( pbByteSinkCreateBuffer() ).get(), "", -1 ); }, "count >= 0" } } );
-}
-
 TEST( File, IsReadToItsEndWhateverItsSize )
 {
     const TemporaryFile file;
@@ -47,7 +42,8 @@ TEST( File, IsReadToItsEndWhateverItsSize )
         EXPECT_TRUE( bytesOf( pb::adopt( pbFileTryReadAll( pb::string( file.path ).get() ) ) ) == bytes ) << size;
     }
     // A size of 0 is reported for this one.
-    EXPECT_THAT( bytesOf( pb::adopt( pbFileTryReadAllCstr( "/proc/self/status" ) ) ), testing::HasSubstr( "\nThreads:" ) );
+    const auto reported = pb::adopt( pbFileTryReadAllCstr( "/proc/self/status" ) );
+    EXPECT_THAT( bytesOf( reported ), testing::HasSubstr( "\nThreads:" ) );
     for ( const char *path : { "/tmp", "/nonexistent/file", "" } )
         EXPECT_FALSE( pb::adopt( pbFileTryReadAllCstr( path ) ) ) << path;
     EXPECT_FALSE( pb::adopt( pbFileTryReadAll( pb::string( { "/dev/null\0x", 11 } ).get() ) ) );
@@ -78,8 +74,6 @@ TEST( LineSource, GivesLinesWithoutTheirEnds )
         EXPECT_FALSE( pb::adopt( pbLineSourceTryReadLine( source.get() ) ) );
     }
     EXPECT_FALSE( pb::adopt( pbLineSourceTryOpenFileCstr( "/nonexistent/file" ) ) );
-    const auto directory = pb::adopt( pbLineSourceTryOpenFileCstr( "/tmp" ) );
-    EXPECT_FALSE( directory && pb::adopt( pbLineSourceTryReadLine( directory.get() ) ) );
 }
 
 TEST( ByteSink, KeepsItsErrorAndHandsOutItsBuffer )

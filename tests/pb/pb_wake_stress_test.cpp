@@ -1,6 +1,6 @@
-// Races between what wakes and what goes away. The counts are small enough for a few seconds under ThreadSanitizer, which
-// together with the end of each test (no wake was lost) does most of the judging: what must not run at the same time
-// touches plain memory.
+// Races between what wakes and what goes away. The counts are small enough for a few seconds under ThreadSanitizer,
+// which together with the end of each test (no wake was lost) does most of the judging: what must not run at the same
+// time touches plain memory.
 #include "pb/pb_alert.h"
 #include "pb/pb_barrier.h"
 #include "pb/pb_monitor.hpp"

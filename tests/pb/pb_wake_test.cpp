@@ -38,9 +38,11 @@ TEST( MonitorDeathTest, RanksAscend )
         pb___MonitorRankEnter( rank );
     for ( const int rank : { 30, 10 } )
         pb___MonitorRankLeave( rank );
-    support::expectDeaths( { { [] { pb___MonitorRankEnter( 10 ); }, "monitors are taken in ascending rank" },
-                             { [] { pb___MonitorRankEnter( 20 ); }, "monitors are taken in ascending rank" },
-                             { [] { pb___MonitorRankLeave( 30 ); }, "a monitor is left by the thread that entered it" } } );
+    support::expectDeaths( {
+        { [] { pb___MonitorRankEnter( 10 ); }, "monitors are taken in ascending rank" },
+        { [] { pb___MonitorRankEnter( 20 ); }, "monitors are taken in ascending rank" },
+        { [] { pb___MonitorRankLeave( 30 ); }, "a monitor is left by the thread that entered it" },
+    } );
     pb___MonitorRankLeave( 20 );
     pb___MonitorRankEnter( 10 );
 }
@@ -53,7 +55,8 @@ void interceptFutexCalls()
     signal( SIGSYS, []( int ) { futexCalls = futexCalls + 1; } );
     sock_filter code[] = { BPF_STMT( BPF_LD | BPF_W | BPF_ABS, offsetof( seccomp_data, nr ) ),
                            BPF_JUMP( BPF_JMP | BPF_JEQ | BPF_K, SYS_futex, 0, 1 ),
-                           BPF_STMT( BPF_RET | BPF_K, SECCOMP_RET_TRAP ), BPF_STMT( BPF_RET | BPF_K, SECCOMP_RET_ALLOW ) };
+                           BPF_STMT( BPF_RET | BPF_K, SECCOMP_RET_TRAP ),
+                           BPF_STMT( BPF_RET | BPF_K, SECCOMP_RET_ALLOW ) };
     const sock_fprog program{ std::size( code ), code };
     if ( prctl( PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0 ) || prctl( PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program ) )
         _exit( 100 );
@@ -119,47 +122,35 @@ TEST( Barrier, LetsAllSleepersThroughWhenItsSignalIsAsserted )
     pbBarrierPass( passed.get() );
 }
 
-TEST( Signal, WakesEachObserverOnce )
+TEST( SignalAndAlert, WakeOnceForEachEvent )
 {
     const struct {
-        const char *calls; // a: add, d: delete, !: assert
+        const char *calls; // of a signal: + add, - delete, ! assert; of an alert: a add, d delete, s set, u unset
         int wakes;
-    } table[] = { { "aa!!", 1 }, { "a", 0 },   { "ad!", 0 },  { "aad!", 0 },  { "d!", 0 },  { "!a", 1 },
-                  { "!aa", 2 },  { "a!a", 2 }, { "ada!", 1 }, { "!ada", 2 }, { "!d", 0 } };
+    } table[] = { { "++!!", 1 }, { "+", 0 },    { "+-!", 0 },  { "++-!", 0 }, { "-!", 0 },  { "!+", 1 },
+                  { "!++", 2 },  { "+!+", 2 },  { "+-+!", 1 }, { "!+-+", 2 }, { "!-", 0 },  { "ass", 1 },
+                  { "asus", 2 }, { "aas", 1 },  { "sa", 1 },   { "saa", 2 },  { "asa", 2 }, { "aads", 0 },
+                  { "sua", 0 },  { "asdus", 1 }, { "dus", 0 } };
     for ( const auto &[calls, wakes] : table ) {
         SCOPED_TRACE( calls );
-        const auto signal = pb::adopt( pbSignalCreate() );
         const auto target = pb::make<Target>();
+        const auto signal = pb::adopt( pbSignalCreate() );
         const auto signalable = signalableOf( target );
+        const auto alert = pb::adopt( pbAlertCreate() );
+        const auto alertable = alertableOf( target );
         for ( const char *call = calls; *call; ++call )
-            if ( *call == '!' )
-                pbSignalAssert( signal.get() );
-            else
-                ( *call == 'a' ? pbSignalAddSignalable : pbSignalDelSignalable )( signal.get(), signalable.get() );
+            switch ( *call ) {
+            case '+': pbSignalAddSignalable( signal.get(), signalable.get() ); break;
+            case '-': pbSignalDelSignalable( signal.get(), signalable.get() ); break;
+            case '!': pbSignalAssert( signal.get() ); break;
+            case 'a': pbAlertAddAlertable( alert.get(), alertable.get() ); break;
+            case 'd': pbAlertDelAlertable( alert.get(), alertable.get() ); break;
+            case 's': pbAlertSet( alert.get() ); break;
+            default: pbAlertUnset( alert.get() );
+            }
         EXPECT_EQ( target->wakes, wakes );
         // An asserted signal keeps nothing.
         EXPECT_TRUE( !pbSignalAsserted( signal.get() ) || !pbObjIsShared( pbSignalableObj( signalable.get() ) ) );
-    }
-}
-
-TEST( Alert, WakesWhenItTurnsSetAndWhenAddedWhileSet )
-{
-    const struct {
-        const char *calls; // a: add, d: delete, s: set, u: unset
-        int wakes;
-    } table[] = { { "ass", 1 }, { "asus", 2 }, { "aas", 1 }, { "sa", 1 },    { "saa", 2 },
-                  { "asa", 2 }, { "aads", 0 }, { "sua", 0 }, { "asdus", 1 }, { "dus", 0 } };
-    for ( const auto &[calls, wakes] : table ) {
-        SCOPED_TRACE( calls );
-        const auto alert = pb::adopt( pbAlertCreate() );
-        const auto target = pb::make<Target>();
-        const auto alertable = alertableOf( target );
-        for ( const char *call = calls; *call; ++call )
-            if ( *call == 's' || *call == 'u' )
-                ( *call == 's' ? pbAlertSet : pbAlertUnset )( alert.get() );
-            else
-                ( *call == 'a' ? pbAlertAddAlertable : pbAlertDelAlertable )( alert.get(), alertable.get() );
-        EXPECT_EQ( target->wakes, wakes );
     }
 }
 
@@ -170,8 +161,10 @@ TEST( Signal, KeepsManyObserversApart )
         const auto signal = pb::adopt( pbSignalCreate() );
         std::vector<pb::Ref<Target>> targets( 40 );
         std::vector<pb::Ref<pbSignalable>> signalables;
-        for ( auto &target : targets )
-            pbSignalAddSignalable( signal.get(), signalables.emplace_back( signalableOf( target = pb::make<Target>() ) ).get() );
+        for ( auto &target : targets ) {
+            target = pb::make<Target>();
+            pbSignalAddSignalable( signal.get(), signalables.emplace_back( signalableOf( target ) ).get() );
+        }
         for ( size_t i = kept; i < targets.size(); ++i )
             pbSignalDelSignalable( signal.get(), signalables[i].get() );
         for ( size_t i = 0; i < targets.size(); i += 2 )

@@ -1,4 +1,4 @@
-// An object that counts its wakes and, when asked to, says what happens to it. A test program has one source that includes it.
+// An object that counts its wakes and, when asked to, says what happens to it. One source of a program includes it.
 #ifndef SUPPORT_TARGET_HPP
 #define SUPPORT_TARGET_HPP
 
@@ -29,8 +29,14 @@ struct Target final : pb::Object<Target, test___sort_TARGET> {
     }
 };
 
-inline auto signalableOf( const pb::Ref<Target> &target ) { return pb::adopt( pb___SignalableCreate( Target::wake, target.get() ) ); }
-inline auto alertableOf( const pb::Ref<Target> &target ) { return pb::adopt( pb___AlertableCreate( Target::wake, target.get() ) ); }
+inline auto signalableOf( const pb::Ref<Target> &target )
+{
+    return pb::adopt( pb___SignalableCreate( Target::wake, target.get() ) );
+}
+inline auto alertableOf( const pb::Ref<Target> &target )
+{
+    return pb::adopt( pb___AlertableCreate( Target::wake, target.get() ) );
+}
 
 } // namespace support
 
