@@ -5,9 +5,11 @@
 #include "in/base/in_address_version.h"
 #include "pb/pb_buffer.h"
 #include "pb/pb_vector.h"
+#include "support/ascending.hpp"
 #include "support/death_table.hpp"
 
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -24,97 +26,64 @@ std::string text( const Address &address )
     return pb::utf8( pb::adopt( pbObjToString( inAddressObj( address.get() ) ) ) );
 }
 
-struct Conversion {
-    const char *source;
-    const char *expected; // "null": refused
-};
+// SOURCE=EXPECTED. Written, the leftmost of the longest runs of zero groups is compressed, even a run of one.
+constexpr std::string_view accepted[] = { "192.168.1.1=192.168.1.1",
+                                          " \t192.168.1.1\r\n=192.168.1.1",
+                                          "0.0.0.0=0.0.0.0",
+                                          "255.255.255.255=255.255.255.255",
+                                          "010.001.0.1=10.1.0.1",
+                                          "0000000001.2.3.4=1.2.3.4",
+                                          "1.2.3.-0=1.2.3.0",
+                                          "::=::",
+                                          "::1=::1",
+                                          "1::=1::",
+                                          " ::1\n=::1",
+                                          "1:2:3:4:5:6:7:8=1:2:3:4:5:6:7:8",
+                                          "2001:DB8::aBcD=2001:db8::abcd",
+                                          "00001::2=1::2",
+                                          "::ffff=::ffff",
+                                          "1:2:3::4:5:6:7=1:2:3::4:5:6:7",
+                                          "::1:2:3:4:5:6=::1:2:3:4:5:6",
+                                          "1:2:3:4:5:6::=1:2:3:4:5:6::",
+                                          "::1.2.3.4=::102:304",
+                                          "::ffff:1.2.3.4=::ffff:102:304",
+                                          "1:2:3:4:5:6:1.2.3.4=1:2:3:4:5:6:102:304",
+                                          "::1:2:3:4:1.2.3.4=::1:2:3:4:102:304",
+                                          "1:2:3:4:5::1.2.3.4=1:2:3:4:5::102:304",
+                                          "64:ff9b::010.0.0.1=64:ff9b::a00:1",
+                                          "::1.2.3.4 =::102:304",
+                                          "1:0:0:2:0:0:0:3=1:0:0:2::3",
+                                          "1:0:0:2:0:0:3:4=1::2:0:0:3:4",
+                                          "1:0:2:3:4:5:6:7=1::2:3:4:5:6:7",
+                                          "0:1:2:3:4:5:6:7=::1:2:3:4:5:6:7",
+                                          "1:2:3:4:5:6:7:0=1:2:3:4:5:6:7::" };
 
-constexpr Conversion conversions[] = {
-    // IPv4
-    { "192.168.1.1", "192.168.1.1" },
-    { " \t192.168.1.1\r\n", "192.168.1.1" },
-    { "0.0.0.0", "0.0.0.0" },
-    { "255.255.255.255", "255.255.255.255" },
-    { "010.001.0.1", "10.1.0.1" },
-    { "0000000001.2.3.4", "1.2.3.4" },
-    { "1.2.3.-0", "1.2.3.0" },
-    { "192.168.1", "null" },
-    { "1.2.3.4.5", "null" },
-    { "256.1.1.1", "null" },
-    { "1.2.3.-4", "null" },
-    { "1.2.3.+4", "null" },
-    { "1.2.3.0x4", "null" },
-    { "1.2. 3.4", "null" },
-    { "1.2.3.", "null" },
-    { ".1.2.3", "null" },
-    { "1..2.3", "null" },
-    { "1.2.3.18446744073709551617", "null" },
-    { "", "null" },
-    { " ", "null" },
-    // IPv6
-    { "::", "::" },
-    { "::1", "::1" },
-    { "1::", "1::" },
-    { " ::1\n", "::1" },
-    { "1:2:3:4:5:6:7:8", "1:2:3:4:5:6:7:8" },
-    { "2001:DB8::aBcD", "2001:db8::abcd" },
-    { "00001::2", "1::2" },
-    { "::ffff", "::ffff" },
-    { "::10000", "null" },
-    { "::-1", "null" },
-    { "::g", "null" },
-    { "::1 2", "null" },
-    { ":", "null" },
-    { "1:2", "null" },
-    { ":::", "null" },
-    { "::::", "null" },
-    { ":1::2", "null" },
-    { "1::2:", "null" },
-    { "1::2::3", "null" },
-    { "1:2:3:4:5:6:7", "null" },
-    { "1:2:3:4:5:6:7:8:9", "null" },
-    { "1:2:3:4:5:6:7:", "null" },
-    { ":1:2:3:4:5:6:7", "null" },
-    // a gap of one group in the middle, but never one that makes nine pieces
-    { "1:2:3::4:5:6:7", "1:2:3::4:5:6:7" },
-    { "::1:2:3:4:5:6", "::1:2:3:4:5:6" },
-    { "1:2:3:4:5:6::", "1:2:3:4:5:6::" },
-    { "::1:2:3:4:5:6:7", "null" },
-    { "1:2:3:4:5:6:7::", "null" },
-    { "1:2:3:4::5:6:7:8", "null" },
-    // an IPv4 text at the end is one piece and two groups
-    { "::1.2.3.4", "::102:304" },
-    { "::ffff:1.2.3.4", "::ffff:102:304" },
-    { "1:2:3:4:5:6:1.2.3.4", "1:2:3:4:5:6:102:304" },
-    { "::1:2:3:4:1.2.3.4", "::1:2:3:4:102:304" },
-    { "1:2:3:4:5::1.2.3.4", "1:2:3:4:5::102:304" },
-    { "64:ff9b::010.0.0.1", "64:ff9b::a00:1" },
-    { "::1:2:3:4:5:1.2.3.4", "null" },
-    { "1:2:3:4:5:6::1.2.3.4", "null" },
-    { "1:2:3:4:5:6:7:1.2.3.4", "null" },
-    { "1.2.3.4::", "null" },
-    { "::1.2.3.4:5", "null" },
-    { "::1.2.3", "null" },
-    { "::1.2.3.256", "null" },
-    { "::1.2.3.4 ", "::102:304" },
-    // the leftmost of the longest runs of zero groups is compressed, even a run of one
-    { "1:0:0:2:0:0:0:3", "1:0:0:2::3" },
-    { "1:0:0:2:0:0:3:4", "1::2:0:0:3:4" },
-    { "1:0:2:3:4:5:6:7", "1::2:3:4:5:6:7" },
-    { "0:1:2:3:4:5:6:7", "::1:2:3:4:5:6:7" },
-    { "1:2:3:4:5:6:7:0", "1:2:3:4:5:6:7::" },
-};
+constexpr std::string_view refused[] = {
+    "", " ", "192.168.1", "1.2.3.4.5", "256.1.1.1", "1.2.3.-4", "1.2.3.+4", "1.2.3.0x4", "1.2. 3.4", "1.2.3.", ".1.2.3",
+    "1..2.3", "1.2.3.18446744073709551617", "1.2.3.a", "::10000", "::-1", "::g", "::1 2", ":", "1:2",
+    ":::", "::::", ":1::2", "1::2:", "1::2::3", "1:2:3:4:5:6:7", "1:2:3:4:5:6:7:8:9",
+    "1:2:3:4:5:6:7:", ":1:2:3:4:5:6:7",
+    // nine pieces, also where a gap of one group would stand
+    "::1:2:3:4:5:6:7", "1:2:3:4:5:6:7::", "1:2:3:4::5:6:7:8", "::1:2:3:4:5:1.2.3.4", "1:2:3:4:5:6::1.2.3.4",
+    "1:2:3:4:5:6:7:1.2.3.4", "1.2.3.4::", "1.2::3.4", "1.2::3.4.5.6", "::1.2.3.4:5", "::1.2.3", "::1.2.3.256",
+    "::1.2.3.4.5" };
+
+void expectConversion( std::string_view source, std::string_view expected )
+{
+    SCOPED_TRACE( source );
+    const auto string = pb::string( source );
+    const bool isV6 = expected.find( ':' ) != expected.npos;
+    EXPECT_EQ( text( pb::adopt( inAddressTryCreateFromString( string.get() ) ) ), expected );
+    EXPECT_EQ( text( pb::adopt( inAddressTryCreateV4FromString( string.get() ) ) ), isV6 ? "null" : expected );
+    EXPECT_EQ( text( pb::adopt( inAddressTryCreateV6FromString( string.get() ) ) ), isV6 ? expected : "null" );
+}
 
 TEST( InAddress, ReadsText )
 {
-    for ( const auto &[source, expected] : conversions ) {
-        SCOPED_TRACE( source );
-        EXPECT_EQ( text( address( source ) ), expected );
-        const bool isV6 = std::string_view( expected ).find( ':' ) != std::string_view::npos;
-        const auto string = pb::string( source );
-        EXPECT_EQ( text( pb::adopt( inAddressTryCreateV4FromString( string.get() ) ) ), isV6 ? "null" : expected );
-        EXPECT_EQ( text( pb::adopt( inAddressTryCreateV6FromString( string.get() ) ) ), isV6 ? expected : "null" );
-    }
+    for ( const std::string_view row : accepted )
+        expectConversion( row.substr( 0, row.find( '=' ) ), row.substr( row.find( '=' ) + 1 ) );
+    for ( const std::string_view source : refused )
+        expectConversion( source, "null" );
 }
 
 // What the quick reader accepts the patient one accepts, with the same bytes; what the patient one accepts in a usual
@@ -122,9 +91,11 @@ TEST( InAddress, ReadsText )
 TEST( InAddress, ReadersAgree )
 {
     std::mt19937 random( 1 );
-    int accepted = 0;
+    int count = 0;
     for ( int round = 0; round < 20000; ++round ) {
-        std::string source = conversions[random() % std::size( conversions )].source;
+        const std::string_view row =
+            round % 2 ? accepted[random() % std::size( accepted )] : refused[random() % std::size( refused )];
+        std::string source( row.substr( 0, row.find( '=' ) ) );
         for ( unsigned changes = random() % 3; changes; --changes ) {
             const size_t at = random() % ( source.size() + 1 );
             const char replacement = "0123456789afAF:::..- "[random() % 21];
@@ -136,19 +107,17 @@ TEST( InAddress, ReadersAgree )
         const int length = in::text::quick( pb::view( string.get() ), quick );
         if ( !length )
             continue;
-        ++accepted;
+        ++count;
         ASSERT_TRUE( length == 4 ? in::text::patientV4( string.get(), patient )
                                  : in::text::patientV6( string.get(), patient ) );
         ASSERT_EQ( memcmp( patient, quick, static_cast<size_t>( length ) ), 0 );
     }
-    EXPECT_GT( accepted, 2000 );
+    EXPECT_GT( count, 2000 );
+    // and the usual forms are not left to the patient one
+    uint8_t bytes[16];
     for ( const char *usual :
-          { "1.2.3.4", "255.255.255.255", "::", "::1", "fe80::1", "1:2:3:4:5:6:7:8", "::ffff:1.2.3.4" } ) {
-        SCOPED_TRACE( usual );
-        uint8_t bytes[16];
-        const auto string = pb::string( usual );
-        EXPECT_NE( in::text::quick( pb::view( string.get() ), bytes ), 0 );
-    }
+          { "1.2.3.4", "255.255.255.255", "::", "::1", "fe80::1", "1:2:3:4:5:6:7:8", "::ffff:1.2.3.4" } )
+        EXPECT_NE( in::text::quick( pb::view( pb::string( usual ).get() ), bytes ), 0 ) << usual;
 }
 
 TEST( InAddress, WritesOtherForms )
@@ -173,25 +142,13 @@ TEST( InAddress, WritesOtherForms )
 
 TEST( InAddress, ReadsHosts )
 {
-    constexpr Conversion hosts[] = {
-        { "10.0.0.1", "10.0.0.1" },
-        { "[::1]", "::1" },
-        { "[::ffff:1.2.3.4]", "::ffff:102:304" },
-        { "::1", "null" },
-        { "[10.0.0.1]", "null" },
-        { "[::1", "null" },
-        { " 10.0.0.1", "null" },
-        { "[ ::1]", "null" },
-        { "[::00001]", "null" },
-        { "[1:2:3:4:5:6:7::]", "null" },
-        { "[]", "null" },
-        { "", "null" },
-        { "host.example", "null" },
-    };
-    for ( const auto &[source, expected] : hosts ) {
-        SCOPED_TRACE( source );
-        EXPECT_EQ( text( pb::adopt( inAddressTryCreateFromHost( pb::string( source ).get() ) ) ), expected );
-    }
+    for ( const char *host : { "10.0.0.1", "[::1]", "[::ffff:102:304]" } )
+        EXPECT_EQ( pb::utf8( pb::adopt(
+                       inAddressToHost( pb::adopt( inAddressTryCreateFromHost( pb::string( host ).get() ) ).get() ) ) ),
+                   host );
+    for ( const char *refused : { "::1", "[10.0.0.1]", "[::1", " 10.0.0.1", "[ ::1]", "[::00001]", "[1:2:3:4:5:6:7::]",
+                                  "[]", "", "host.example" } )
+        EXPECT_FALSE( pb::adopt( inAddressTryCreateFromHost( pb::string( refused ).get() ) ) ) << refused;
 }
 
 TEST( InAddress, BuffersOfFourOrSixteenBytes )
@@ -210,55 +167,32 @@ TEST( InAddress, BuffersOfFourOrSixteenBytes )
 
 TEST( InAddress, KnowsItsRanges )
 {
-    using Is = pbBool( const struct inAddress * );
     struct {
-        Is *is;
-        const char *name;
-        std::vector<const char *> inside, outside;
+        pbBool ( *is )( const struct inAddress * );
+        const char *inside, *outside;
     } const rows[] = {
-        { inAddressIsAllZero, "all zero", { "0.0.0.0", "::" }, { "0.0.0.1", "::1", "1::" } },
-        { inAddressIsAllOne,
-          "all one",
-          { "255.255.255.255", "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff" },
-          { "255.255.255.254", "ffff::ffff" } },
-        { inAddressIsLoopback,
-          "loopback",
-          { "127.0.0.0", "127.255.255.255", "::1" },
-          { "126.255.255.255", "128.0.0.0", "::", "::2", "::ffff:127.0.0.1" } },
+        { inAddressIsAllZero, "0.0.0.0 ::", "0.0.0.1 ::1 1::" },
+        { inAddressIsAllOne, "255.255.255.255 ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff", "255.255.255.254 ffff::ffff" },
+        { inAddressIsLoopback, "127.0.0.0 127.255.255.255 ::1", "126.255.255.255 128.0.0.0 :: ::2 ::ffff:127.0.0.1" },
         { inAddressIsPrivate,
-          "private",
-          { "10.0.0.0", "10.255.255.255", "172.16.0.0", "172.31.255.255", "192.168.0.0", "192.168.255.255",
-            "fc00::", "fdff::" },
-          { "9.255.255.255", "11.0.0.0", "172.15.255.255", "172.32.0.0", "192.167.255.255", "192.169.0.0",
-            "fbff::", "fe00::" } },
-        { inAddressIsMulticast,
-          "multicast",
-          { "224.0.0.0", "239.255.255.255", "ff00::", "ffff::" },
-          { "223.255.255.255", "240.0.0.0", "feff::" } },
+          "10.0.0.0 10.255.255.255 172.16.0.0 172.31.255.255 192.168.0.0 192.168.255.255 fc00:: fdff::",
+          "9.255.255.255 11.0.0.0 172.15.255.255 172.32.0.0 192.167.255.255 192.169.0.0 fbff:: fe00::" },
+        { inAddressIsMulticast, "224.0.0.0 239.255.255.255 ff00:: ffff::", "223.255.255.255 240.0.0.0 feff::" },
         { inAddressIsLinkLocalUnicast,
-          "link-local",
-          { "169.254.0.0", "169.254.255.255", "fe80::", "febf::" },
-          { "169.253.255.255", "169.255.0.0", "fe7f::", "fec0::" } },
-        { inAddressIsDocumentation,
-          "documentation",
-          { "192.0.2.0", "192.0.2.255", "198.51.100.1", "203.0.113.1", "2001:db8::", "2001:db8:ffff::" },
-          { "192.0.1.255", "192.0.3.0", "198.51.101.0", "203.0.112.0", "2001:db7::", "2001:db9::" } },
+          "169.254.0.0 169.254.255.255 fe80:: febf::", "169.253.255.255 169.255.0.0 fe7f:: fec0::" },
+        { inAddressIsDocumentation, "192.0.2.0 192.0.2.255 198.51.100.1 203.0.113.1 2001:db8:: 2001:db8:ffff::",
+          "192.0.1.255 192.0.3.0 198.51.101.0 203.0.112.0 2001:db7:: 2001:db9::" },
         { inAddressIsGlobalUnicast,
-          "global unicast",
-          { "8.8.8.8", "255.255.255.255", "240.0.0.1", "10.0.0.1", "192.0.2.1", "2000::1", "fec0::1", "fc00::1",
-            "::ffff:127.0.0.1" },
-          { "0.0.0.0", "::", "127.0.0.1", "::1", "224.0.0.1", "ff02::1", "169.254.0.1", "fe80::1" } },
-        { inAddressIsUnicast,
-          "unicast",
-          { "8.8.8.8", "127.0.0.1", "::1", "169.254.0.1", "fe80::1" },
-          { "0.0.0.0", "::", "224.0.0.1", "ff02::1" } },
+          "8.8.8.8 255.255.255.255 240.0.0.1 10.0.0.1 192.0.2.1 2000::1 fec0::1 fc00::1 ::ffff:127.0.0.1",
+          "0.0.0.0 :: 127.0.0.1 ::1 224.0.0.1 ff02::1 169.254.0.1 fe80::1" },
+        { inAddressIsUnicast, "8.8.8.8 127.0.0.1 ::1 169.254.0.1 fe80::1", "0.0.0.0 :: 224.0.0.1 ff02::1" },
     };
     for ( const auto &row : rows )
-        for ( const bool expected : { true, false } )
-            for ( const char *source : expected ? row.inside : row.outside ) {
-                SCOPED_TRACE( std::string( source ) + " " + row.name );
-                EXPECT_EQ( row.is( address( source ).get() ), expected );
-            }
+        for ( const bool expected : { true, false } ) {
+            std::istringstream sources( expected ? row.inside : row.outside );
+            for ( std::string source; sources >> source; )
+                EXPECT_EQ( row.is( address( source.c_str() ).get() ), expected ) << source << " row " << &row - rows;
+        }
 }
 
 TEST( InAddress, CountsMatchingBits )
@@ -281,13 +215,8 @@ TEST( InAddress, CountsMatchingBits )
 
 TEST( InAddress, OrdersByVersionThenUnsignedBytes )
 {
-    const char *const ascending[] = { "0.0.0.0", "10.0.0.1", "10.0.0.200", "128.0.0.0", "255.0.0.0",
-                                      "::",      "::1",      "7fff::",     "8000::" };
-    for ( size_t i = 0; i < std::size( ascending ); ++i )
-        for ( size_t j = 0; j < std::size( ascending ); ++j )
-            EXPECT_EQ( inAddressCompare( address( ascending[i] ).get(), address( ascending[j] ).get() ),
-                       i < j ? -1 : i > j )
-                << ascending[i] << " " << ascending[j];
+    support::expectAscending(
+        { "0.0.0.0", "10.0.0.1", "10.0.0.200", "128.0.0.0", "255.0.0.0", "::", "::1", "7fff::", "8000::" }, address );
 }
 
 TEST( InAddress, ChangesOnlyItsOwnCopy )

@@ -18,43 +18,26 @@ pb::Ref<struct inAddress> address( const char *text )
     return pb::adopt( inAddressTryCreateFromCstr( text, -1 ) );
 }
 
+// clang-format off
 // UDP and TCP have the same endpoints and ranges.
-struct Udp {
-    using Endpoint = struct inUdpAddress;
-    using Range = struct inUdpPortRange;
-    static constexpr auto create = inUdpAddressCreate;
-    static constexpr auto setPort = inUdpAddressSetPort;
-    static constexpr auto setAddress = inUdpAddressSetAddress;
-    static constexpr auto compare = inUdpAddressCompare;
-    static constexpr auto store = inUdpAddressStore;
-    static constexpr auto tryRestore = inUdpAddressTryRestore;
-    static constexpr auto update = in___UdpAddressUpdate;
-    static constexpr auto createRange = inUdpPortRangeCreate;
-    static constexpr auto setFirstPort = inUdpPortRangeSetFirstPort;
-    static constexpr auto setCount = inUdpPortRangeSetCount;
-    static constexpr auto compareRanges = inUdpPortRangeCompare;
-    static constexpr auto storeRange = inUdpPortRangeStore;
-    static constexpr auto tryRestoreRange = inUdpPortRangeTryRestore;
-    static constexpr const char *prefix = "IN_UDP_PORT_OK";
-};
-struct Tcp {
-    using Endpoint = struct inTcpAddress;
-    using Range = struct inTcpPortRange;
-    static constexpr auto create = inTcpAddressCreate;
-    static constexpr auto setPort = inTcpAddressSetPort;
-    static constexpr auto setAddress = inTcpAddressSetAddress;
-    static constexpr auto compare = inTcpAddressCompare;
-    static constexpr auto store = inTcpAddressStore;
-    static constexpr auto tryRestore = inTcpAddressTryRestore;
-    static constexpr auto update = in___TcpAddressUpdate;
-    static constexpr auto createRange = inTcpPortRangeCreate;
-    static constexpr auto setFirstPort = inTcpPortRangeSetFirstPort;
-    static constexpr auto setCount = inTcpPortRangeSetCount;
-    static constexpr auto compareRanges = inTcpPortRangeCompare;
-    static constexpr auto storeRange = inTcpPortRangeStore;
-    static constexpr auto tryRestoreRange = inTcpPortRangeTryRestore;
-    static constexpr const char *prefix = "IN_TCP_PORT_OK";
-};
+#define DEFINE_KIND( Kind, KIND )                                  \
+    struct Kind {                                                                                                     \
+        static constexpr auto create = in##Kind##AddressCreate;                                                       \
+        static constexpr auto setPort = in##Kind##AddressSetPort;                                                     \
+        static constexpr auto setAddress = in##Kind##AddressSetAddress;                                               \
+        static constexpr auto store = in##Kind##AddressStore;                                                         \
+        static constexpr auto tryRestore = in##Kind##AddressTryRestore;                                               \
+        static constexpr auto createRange = in##Kind##PortRangeCreate;                                                \
+        static constexpr auto setFirstPort = in##Kind##PortRangeSetFirstPort;                                         \
+        static constexpr auto setCount = in##Kind##PortRangeSetCount;                                                 \
+        static constexpr auto storeRange = in##Kind##PortRangeStore;                                                  \
+        static constexpr auto tryRestoreRange = in##Kind##PortRangeTryRestore;                                        \
+        static constexpr auto update = in___##Kind##AddressUpdate;                                                    \
+        static constexpr const char *prefix = "IN_" #KIND "_PORT_OK";                                                 \
+    };
+// clang-format on
+DEFINE_KIND( Udp, UDP )
+DEFINE_KIND( Tcp, TCP )
 
 template <class T> struct InEndpoints : testing::Test {
     static auto make( const char *text, pbInt port ) { return pb::adopt( T::create( address( text ).get(), port ) ); }
@@ -72,61 +55,40 @@ TYPED_TEST( InEndpoints, TextAndOrder )
                d = this->make( "::1", 1 );
     EXPECT_EQ( this->text( a ), "10.0.0.1:65535" );
     EXPECT_EQ( this->text( d ), "[::1]:1" );
-    EXPECT_EQ( TypeParam::compare( a.get(), b.get() ), -1 ); // the address decides before the port
-    EXPECT_EQ( TypeParam::compare( c.get(), b.get() ), 1 );
-    EXPECT_EQ( TypeParam::compare( c.get(), d.get() ), -1 );
-    EXPECT_EQ( TypeParam::compare( c.get(), this->make( "10.0.0.2", 2 ).get() ), 0 );
+    EXPECT_LT( a, b ); // the address decides before the port
+    EXPECT_GT( c, b );
+    EXPECT_LT( c, d );
+    EXPECT_EQ( c, this->make( "10.0.0.2", 2 ) );
 
     const auto range = []( pbInt firstPort, pbInt count ) {
         return pb::adopt( TypeParam::createRange( firstPort, count ) );
     };
     EXPECT_EQ( this->text( range( 10000, 2 ) ), "firstPort=10000, count=2" );
-    EXPECT_EQ( TypeParam::compareRanges( range( 1, 9 ).get(), range( 2, 1 ).get() ), -1 );
-    EXPECT_EQ( TypeParam::compareRanges( range( 2, 2 ).get(), range( 2, 1 ).get() ), 1 );
+    EXPECT_LT( range( 1, 9 ), range( 2, 1 ) );
+    EXPECT_GT( range( 2, 2 ), range( 2, 1 ) );
 }
 
 TYPED_TEST( InEndpoints, StoresAndRestores )
 {
     EXPECT_EQ( support::json( TypeParam::store( this->make( "::1", 5060 ).get() ) ),
                R"({"address":"::1","port":5060})" );
-    struct {
-        const char *source;
-        bool restored;
-    } const endpoints[] = {
-        { R"({"address":"10.0.0.1","port":1})", true },
-        { R"({"address":"10.0.0.1","port":65535})", true },
-        { R"({"address":"10.0.0.1","port":0})", false },
-        { R"({"address":"10.0.0.1","port":65536})", false },
-        { R"({"address":"10.0.0.1","port":-1})", false },
-        { R"({"address":"10.0.0.1","port":"x"})", false },
-        { R"({"address":"10.0.0.1"})", false },
-        { R"({"address":"10.0.0","port":1})", false },
-        { R"({"port":1})", false },
-        { R"({"address":{},"port":1})", false },
-    };
-    for ( const auto &row : endpoints ) {
-        const auto restored = pb::adopt( TypeParam::tryRestore( support::store( row.source ).get() ) );
-        EXPECT_EQ( restored ? support::json( TypeParam::store( restored.get() ) ) : "",
-                   row.restored ? row.source : "" );
+    for ( const char *source : { R"({"address":"10.0.0.1","port":1})", R"({"address":"10.0.0.1","port":65535})" } ) {
+        const auto restored = pb::adopt( TypeParam::tryRestore( support::store( source ).get() ) );
+        EXPECT_EQ( support::json( TypeParam::store( restored.get() ) ), source );
     }
-    struct {
-        const char *source;
-        bool restored;
-    } const ranges[] = {
-        { R"({"firstPort":1,"count":0})", true },
-        { R"({"firstPort":65535,"count":65535})", true },
-        { R"({"firstPort":0,"count":1})", false },
-        { R"({"firstPort":65536,"count":1})", false },
-        { R"({"firstPort":1,"count":-1})", false },
-        { R"({"firstPort":1,"count":65536})", false },
-        { R"({"firstPort":1})", false },
-        { R"({"count":1})", false },
-    };
-    for ( const auto &row : ranges ) {
-        const auto restored = pb::adopt( TypeParam::tryRestoreRange( support::store( row.source ).get() ) );
-        EXPECT_EQ( restored ? support::json( TypeParam::storeRange( restored.get() ) ) : "",
-                   row.restored ? row.source : "" );
+    for ( const char *refused :
+          { R"({"address":"10.0.0.1","port":0})", R"({"address":"10.0.0.1","port":65536})",
+            R"({"address":"10.0.0.1","port":-1})", R"({"address":"10.0.0.1","port":"x"})", R"({"address":"10.0.0.1"})",
+            R"({"address":"10.0.0","port":1})", R"({"port":1})", R"({"address":{},"port":1})" } )
+        EXPECT_FALSE( pb::adopt( TypeParam::tryRestore( support::store( refused ).get() ) ) ) << refused;
+    for ( const char *source : { R"({"firstPort":1,"count":0})", R"({"firstPort":65535,"count":65535})" } ) {
+        const auto restored = pb::adopt( TypeParam::tryRestoreRange( support::store( source ).get() ) );
+        EXPECT_EQ( support::json( TypeParam::storeRange( restored.get() ) ), source );
     }
+    for ( const char *refused :
+          { R"({"firstPort":0,"count":1})", R"({"firstPort":65536,"count":1})", R"({"firstPort":1,"count":-1})",
+            R"({"firstPort":1,"count":65536})", R"({"firstPort":1})", R"({"count":1})" } )
+        EXPECT_FALSE( pb::adopt( TypeParam::tryRestoreRange( support::store( refused ).get() ) ) ) << refused;
 }
 
 TYPED_TEST( InEndpoints, UpdateChangesAsLittleAsItCan )

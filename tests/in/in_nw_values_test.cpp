@@ -6,6 +6,7 @@
 #include "in/nw/in_nw_mac_address.h"
 #include "pb/pb_buffer.h"
 #include "pb/pb_vector.h"
+#include "support/ascending.hpp"
 #include "support/death_table.hpp"
 #include "support/in_tables.hpp"
 
@@ -147,27 +148,14 @@ TEST_F( InNwValues, StateSetters )
 
 TEST_F( InNwValues, StateOrdersFieldByField )
 {
-    const char *const ascending[] = {
-        "{}",
-        R"({"layer3Networks":["10.0.0.0/8"]})",
-        R"({"layer3UnicastAddresses":["10.0.0.1"]})",
-        R"({"layer2SpeedTransmit":0})",
-        R"({"layer2SpeedReceive":0})",
-        R"({"layer2Mtu":0,"layer3Networks":["10.0.0.0/8"]})",
-        R"({"layer2Addresses":[{"type":"IN_NW_ADDRESS_TYPE_MAC","mac":"0:0:0:0:0:1"}]})",
-        R"({"flags":"IN_NW_INTERFACE_FLAG_HIDE"})",
-        R"({"status":"IN_NW_INTERFACE_STATUS_DOWN"})",
-        R"({"status":"IN_NW_INTERFACE_STATUS_UP"})",
-        R"({"displayName":""})",
-        R"({"end":true})",
-    };
-    for ( size_t i = 0; i < std::size( ascending ); ++i )
-        for ( size_t j = 0; j < std::size( ascending ); ++j ) {
-            const auto a = pb::adopt( inNwInterfaceStateRestore( store( ascending[i] ).get() ) );
-            const auto b = pb::adopt( inNwInterfaceStateRestore( store( ascending[j] ).get() ) );
-            EXPECT_EQ( inNwInterfaceStateCompare( a.get(), b.get() ), i < j ? -1 : i > j )
-                << ascending[i] << " " << ascending[j];
-        }
+    support::expectAscending(
+        { "{}", R"({"layer3Networks":["10.0.0.0/8"]})", R"({"layer3UnicastAddresses":["10.0.0.1"]})",
+          R"({"layer2SpeedTransmit":0})", R"({"layer2SpeedReceive":0})",
+          R"({"layer2Mtu":0,"layer3Networks":["10.0.0.0/8"]})",
+          R"({"layer2Addresses":[{"type":"IN_NW_ADDRESS_TYPE_MAC","mac":"0:0:0:0:0:1"}]})",
+          R"({"flags":"IN_NW_INTERFACE_FLAG_HIDE"})", R"({"status":"IN_NW_INTERFACE_STATUS_DOWN"})",
+          R"({"status":"IN_NW_INTERFACE_STATUS_UP"})", R"({"displayName":""})", R"({"end":true})" },
+        []( const char *source ) { return pb::adopt( inNwInterfaceStateRestore( store( source ).get() ) ); } );
 }
 
 using InNwValuesDeath = InNwValues;

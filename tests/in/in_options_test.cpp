@@ -12,6 +12,7 @@
 #include "in/tcp/in_tcp_port_range.h"
 #include "in/udp/in_udp_options.h"
 #include "in/udp/in_udp_port_range.h"
+#include "support/ascending.hpp"
 #include "support/death_table.hpp"
 #include "support/in_tables.hpp"
 
@@ -140,11 +141,10 @@ TEST_F( InOptions, SettersMarkAndDefaultSettersUnmark )
         R"({"blacklistEnabled":true,"blacklistTimeout":120000,"blacklistGranularity":2,"keepAliveEnabled":true,"keepAliveTime":3})" );
     EXPECT_FALSE( inTcpOptionsEquals( tcp.get(), fresh.get() ) );
     EXPECT_EQ( json( inTcpOptionsStore( fresh.get(), 0 ) ), "{}" );
-    inTcpOptionsSetBlacklistEnabledDefault( tcp.address() );
-    inTcpOptionsSetBlacklistTimeoutDefault( tcp.address() );
-    inTcpOptionsSetBlacklistGranularityDefault( tcp.address() );
-    inTcpOptionsSetKeepAliveEnabledDefault( tcp.address() );
-    inTcpOptionsSetKeepAliveTimeDefault( tcp.address() );
+    for ( auto *setDefault : { inTcpOptionsSetBlacklistEnabledDefault, inTcpOptionsSetBlacklistTimeoutDefault,
+                               inTcpOptionsSetBlacklistGranularityDefault, inTcpOptionsSetKeepAliveEnabledDefault,
+                               inTcpOptionsSetKeepAliveTimeDefault } )
+        setDefault( tcp.address() );
     EXPECT_TRUE( inTcpOptionsEquals( tcp.get(), fresh.get() ) );
 
     auto dns = pb::adopt( inDnsOptionsCreate() );
@@ -157,12 +157,10 @@ TEST_F( InOptions, SettersMarkAndDefaultSettersUnmark )
     EXPECT_EQ( json( inDnsOptionsStore( dns.get(), 0 ) ),
                R"({"maxBlockDuration":1,"disableQueryAddresses":true,"disableQueryDomainNames":true,)"
                R"("disableQuerySrv":true,"cacheTimeout":2,"negativeCacheTimeout":3})" );
-    inDnsOptionsSetMaxBlockDurationDefault( dns.address() );
-    inDnsOptionsSetDisableQueryAddressesDefault( dns.address() );
-    inDnsOptionsSetDisableQueryDomainNamesDefault( dns.address() );
-    inDnsOptionsSetDisableQuerySrvDefault( dns.address() );
-    inDnsOptionsSetCacheTimeoutDefault( dns.address() );
-    inDnsOptionsSetNegativeCacheTimeoutDefault( dns.address() );
+    for ( auto *setDefault : { inDnsOptionsSetMaxBlockDurationDefault, inDnsOptionsSetDisableQueryAddressesDefault,
+                               inDnsOptionsSetDisableQueryDomainNamesDefault, inDnsOptionsSetDisableQuerySrvDefault,
+                               inDnsOptionsSetCacheTimeoutDefault, inDnsOptionsSetNegativeCacheTimeoutDefault } )
+        setDefault( dns.address() );
     EXPECT_EQ( json( inDnsOptionsStore( dns.get(), 1 ) ), dnsDefaults );
     EXPECT_TRUE( inDnsOptionsEquals( dns.get(), pb::adopt( inDnsOptionsCreate() ).get() ) );
 
@@ -182,34 +180,16 @@ TEST_F( InOptions, SettersMarkAndDefaultSettersUnmark )
 TEST_F( InOptions, OrdersFieldByField )
 {
     // ascending; explicit settings stand before default ones, absent fields before present ones
-    const char *const ascending[] = {
-        R"({"dnsOptions":{"maxBlockDuration":90000}})",
-        R"({"dnsOptions":{"cacheTimeout":1}})",
-        R"({"dnsOptions":{"cacheTimeout":2}})",
-        R"({"dnsOptions":{}})",
-        R"({"tcpOptions":{}})",
-        R"({"tcpOptions":{"portRange":{"firstPort":1,"count":1},"blacklistEnabled":false}})",
-        R"({"udpOptions":{}})",
-        R"({"udpOptions":{"portRange":{"firstPort":1,"count":1}}})",
-        R"({})",
-        R"({"address":"10.0.0.1"})",
-        R"({"address":"::1"})",
-        R"({"addressVersion":"IN_ADDRESS_VERSION_4"})",
-        R"({"addressVersion":"IN_ADDRESS_VERSION_6"})",
-        R"({"network":"10.0.0.0"})",
-        R"({"network":"10.0.0.0/8"})",
-        R"({"interface":""})",
-        R"({"interface":"eth0","udpOptions":{}})",
-        R"({"interface":"eth0"})",
-        R"({"flags":"IN_FLAG_LOOPBACK_ONLY","dnsOptions":{}})",
-    };
-    for ( size_t i = 0; i < std::size( ascending ); ++i )
-        for ( size_t j = 0; j < std::size( ascending ); ++j ) {
-            const auto a = pb::adopt( inOptionsRestore( store( ascending[i] ).get() ) );
-            const auto b = pb::adopt( inOptionsRestore( store( ascending[j] ).get() ) );
-            EXPECT_EQ( inOptionsCompare( a.get(), b.get() ), i < j ? -1 : i > j )
-                << ascending[i] << " " << ascending[j];
-        }
+    support::expectAscending(
+        { R"({"dnsOptions":{"maxBlockDuration":90000}})", R"({"dnsOptions":{"cacheTimeout":1}})",
+          R"({"dnsOptions":{"cacheTimeout":2}})", R"({"dnsOptions":{}})", R"({"tcpOptions":{}})",
+          R"({"tcpOptions":{"portRange":{"firstPort":1,"count":1},"blacklistEnabled":false}})", R"({"udpOptions":{}})",
+          R"({"udpOptions":{"portRange":{"firstPort":1,"count":1}}})", R"({})", R"({"address":"10.0.0.1"})",
+          R"({"address":"::1"})", R"({"addressVersion":"IN_ADDRESS_VERSION_4"})",
+          R"({"addressVersion":"IN_ADDRESS_VERSION_6"})", R"({"network":"10.0.0.0"})", R"({"network":"10.0.0.0/8"})",
+          R"({"interface":""})", R"({"interface":"eth0","udpOptions":{}})", R"({"interface":"eth0"})",
+          R"({"flags":"IN_FLAG_LOOPBACK_ONLY","dnsOptions":{}})" },
+        []( const char *source ) { return pb::adopt( inOptionsRestore( store( source ).get() ) ); } );
 }
 
 // Every key that is written is described, in the same order, down to the port range.

@@ -3,6 +3,7 @@
 
 #include "in/qos/in_qos_defaults.h"
 #include "in/qos/in_qos_options_internal.h"
+#include "support/ascending.hpp"
 #include "support/death_table.hpp"
 #include "support/in_tables.hpp"
 
@@ -93,20 +94,11 @@ TEST_F( InQosOptions, RestoreKeepsWhatIsValid )
 
 TEST_F( InQosOptions, OrdersFieldByField )
 {
-    const char *const ascending[] = {
-        R"({"layer3Tos":1})",
-        R"({"layer3Tos":127})",
-        R"({"layer3Tos":128})",
-        R"({"layer2Pcp":"IN_QOS_LAYER2_PCP_VOICE"})",
-        R"({"windowsTrafficType":"IN_QOS_WINDOWS_TRAFFIC_TYPE_VOICE"})",
-        R"({})",
-        R"({"defaults":"IN_QOS_DEFAULTS_VOICE","layer3Tos":0})",
-    };
-    for ( size_t i = 0; i < std::size( ascending ); ++i )
-        for ( size_t j = 0; j < std::size( ascending ); ++j )
-            EXPECT_EQ( inQosOptionsCompare( restored( ascending[i] ).get(), restored( ascending[j] ).get() ),
-                       i < j ? -1 : i > j )
-                << ascending[i] << " " << ascending[j];
+    support::expectAscending( { R"({"layer3Tos":1})", R"({"layer3Tos":127})", R"({"layer3Tos":128})",
+                                R"({"layer2Pcp":"IN_QOS_LAYER2_PCP_VOICE"})",
+                                R"({"windowsTrafficType":"IN_QOS_WINDOWS_TRAFFIC_TYPE_VOICE"})", R"({})",
+                                R"({"defaults":"IN_QOS_DEFAULTS_VOICE","layer3Tos":0})" },
+                              restored );
 }
 
 using InQosOptionsDeath = InQosOptions;
