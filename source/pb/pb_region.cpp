@@ -4,6 +4,7 @@
 #include "pb/pb_region.h"
 #include "pb/pb_monitor.hpp"
 #include "pb/pb_object.hpp"
+#include "pb/pb_wake.hpp"
 
 PB_SORT_DECLARE( pb___sort_PB_REGION )
 
@@ -51,6 +52,7 @@ void pbRegion::enterShared()
     if ( tryEnterSharedAlone() )
         return;
     ++waitingReaders;
+    pb___WakesFlush();
     for ( const uint64_t turn = readerTurn; turn == readerTurn; )
         readersTurn.wait( monitor );
 }
@@ -62,6 +64,8 @@ void pbRegion::enterExclusive()
     const uint64_t before = state.fetch_or( writerMark, std::memory_order_acquire );
     if ( before == 0 )
         letNextWriterIn();
+    if ( writersLetIn <= number )
+        pb___WakesFlush();
     while ( writersLetIn <= number )
         writersTurn.wait( monitor );
 }

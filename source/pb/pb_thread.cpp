@@ -1,6 +1,7 @@
 // pbThread: a POSIX thread with all signals blocked.
 #include "pb/pb_thread.h"
 #include "pb/pb_string.hpp"
+#include "pb/pb_wake.hpp"
 
 #include <csignal>
 #include <pthread.h>
@@ -102,6 +103,7 @@ void pbThreadJoin( struct pbThread *thread )
     PB_ASSERT( thread );
     PB_ASSERT( thread->toBeJoined );
     PB_ASSERT( !pthread_equal( thread->thread, pthread_self() ) );
+    pb___WakesFlush();
     (void)pthread_join( thread->thread, nullptr ); // fails for the reasons above only
     thread->toBeJoined = false;
 }

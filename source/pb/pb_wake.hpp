@@ -15,7 +15,7 @@ PB_API struct pbAlertable *pb___AlertableCreate( void ( *wake )( struct pbObj *t
 
 // Between Begin and End of the calling thread, Unblock of a barrier changes its count at once but holds back the system
 // call that wakes sleepers until Flush (each barrier once) or the outermost End. A thread must flush before it sleeps;
-// passing a barrier and pbSleep do.
+// passing a barrier, entering a region, joining a thread and pbSleep do.
 PB_API void pb___WakesHoldBegin( void );
 PB_API void pb___WakesHoldEnd( void );
 PB_API void pb___WakesFlush( void );
