@@ -177,15 +177,15 @@ TEST_F( UnixFdObserver, WhatTheSystemRefuses )
 
 TEST_F( UnixFdObserver, PreconditionsDeathTest )
 {
+    const Pair pair;
     pbInt fd, conditions;
-    const auto report = [&] { unixFdObserverTrySetConditions( observer.get(), 1, writable ), wait( false ); };
     support::expectDeaths( {
         { [] { unixFdObserverTrySetConditions( nullptr, 0, 0 ); }, "observer" },
         { [&] { unixFdObserverTrySetConditions( observer.get(), -1, 0 ); }, "fd >= 0 && fd <= INT32_MAX" },
         { [&] { unixFdObserverTrySetConditions( observer.get(), 0, 8 ); }, "!( conditions & ~allConditions )" },
         { [&] { unixFdObserverWait( observer.get(), nullptr, &fd, &conditions ); }, "abortSignal" },
         { [&] { unixFdObserverUnblock( observer.get() ); }, "reporting_" },
-        { [&] { report(), unixFdObserverTrySetConditions( observer.get(), 1, 0 ); },
+        { [&] { watch( pair.own, writable ), wait( false ), watch( pair.own, 0 ); },
           "no report of the calling thread is outstanding" },
     } );
 }
