@@ -33,20 +33,34 @@ PB_OBJECT_DEFINE( pbBarrier, pb___sort_PB_BARRIER )
 
 namespace {
 
-// Opened barriers whose sleepers the calling thread still has to wake. The counts stand apart from the references:
-// these have a destructor and with it a test at each access, and they are gone when other destructors of the ending
-// thread still wake.
+struct HeldBack {
+    pb::Ref<pbObj> target;
+    void ( *wake )( struct pbObj *target ) = nullptr;
+};
+
+// What the calling thread still has to wake, such as the sleepers of opened barriers. The counts stand apart from the
+// references: these have a destructor and with it a test at each access, and they are gone when other destructors of
+// the ending thread still wake.
 struct Hold {
     int depth;
     size_t count;
 };
 constinit thread_local Hold hold{};
-thread_local std::array<pb::Ref<pbBarrier>, 64> heldBack;
+thread_local std::array<HeldBack, 64> heldBack;
 
 // The address only names the futex and is not read: the barrier may be gone.
 void wakeSleepers( std::atomic<uint32_t> *word )
 {
     syscall( SYS_futex, word, FUTEX_WAKE_PRIVATE, INT_MAX, nullptr, nullptr, 0 );
+}
+
+void wakeSleepersOf( struct pbObj *barrier ) { wakeSleepers( &static_cast<struct pbBarrier *>( barrier )->word ); }
+
+void holdBack( void ( *wake )( struct pbObj *target ), pb::Ref<pbObj> target )
+{
+    if ( hold.count == heldBack.size() )
+        pb___WakesFlush();
+    heldBack[hold.count++] = { std::move( target ), wake };
 }
 
 // Sleeps while the word has the value, until the deadline of the monotonic clock. False when the time ran out.
@@ -109,13 +123,10 @@ void pbBarrierUnblock( struct pbBarrier *barrier )
     // The barrier is not touched from here on.
     if ( word != ( sleepers | 1 ) )
         return;
-    if ( !kept ) {
+    if ( !kept )
         wakeSleepers( address );
-        return;
-    }
-    if ( hold.count == heldBack.size() )
-        pb___WakesFlush();
-    heldBack[hold.count++] = std::move( kept );
+    else
+        holdBack( wakeSleepersOf, pb::Ref<pbObj>::adopting( kept.release() ) );
 }
 
 void pbBarrierPass( struct pbBarrier *barrier )
@@ -143,11 +154,19 @@ void pb___WakesHoldEnd( void )
         pb___WakesFlush();
 }
 
+pbBool pb___WakesTryHold( void ( *wake )( struct pbObj *target ), struct pbObj *target )
+{
+    if ( !hold.depth )
+        return 0;
+    holdBack( wake, pb::share( target ) );
+    return 1;
+}
+
 void pb___WakesFlush( void )
 {
     while ( hold.count ) {
-        const pb::Ref<pbBarrier> barrier = std::move( heldBack[--hold.count] );
-        wakeSleepers( &barrier->word );
+        const HeldBack held = std::move( heldBack[--hold.count] );
+        held.wake( held.target.get() );
     }
 }
 

@@ -19,6 +19,9 @@ PB_API struct pbAlertable *pb___AlertableCreate( void ( *wake )( struct pbObj *t
 PB_API void pb___WakesHoldBegin( void );
 PB_API void pb___WakesHoldEnd( void );
 PB_API void pb___WakesFlush( void );
+// For what else wakes threads: true when the calling thread holds wakes back, and then Flush calls wake( target ). That
+// must not hold back any wake itself.
+PB_API pbBool pb___WakesTryHold( void ( *wake )( struct pbObj *target ), struct pbObj *target );
 
 // The clock behind pbTimestamp and the timers. While driven it stands still; Advance moves it and returns after every
 // timer that came due has signalled.

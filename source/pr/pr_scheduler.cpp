@@ -1,6 +1,7 @@
 // prScheduler: a pool of threads and its queue of processes that are ready to run.
 #include "pr/pr_scheduler.hpp"
 
+#include "pb/pb_wake.hpp"
 #include "pr/pr_process_internal.hpp"
 #include "pr/pr_test.hpp"
 
@@ -98,18 +99,42 @@ void prScheduler::stop()
 
 bool prScheduler::enqueue( struct prProcess *process )
 {
+    // A thread that is woken at once may take this one's place, and would find the monitors taken that this one holds.
+    const bool held = pb___WakesTryHold( wakeHeldBack, this );
     bool wake;
     {
         pb::Guard guard( monitor_ );
         if ( stopped_ )
             return false;
-        wake = push( pb::share( process ) );
+        push( pb::share( process ) );
+        wake = !held && oweWake();
     }
     if ( wake )
         work_.wakeOne();
     // Without any thread the process stays queued, and the next one that comes tries again.
     if ( !started_.load( std::memory_order_acquire ) )
         startUnlessStopped();
+    return true;
+}
+
+// What was queued may have run by now.
+void prScheduler::wakeHeldBack( struct pbObj *self )
+{
+    const auto scheduler = static_cast<struct prScheduler *>( self );
+    bool wake;
+    {
+        pb::Guard guard( scheduler->monitor_ );
+        wake = scheduler->readyMask_ && scheduler->oweWake();
+    }
+    if ( wake )
+        scheduler->work_.wakeOne();
+}
+
+bool prScheduler::oweWake()
+{
+    if ( sleeping_ <= wakesOwed_ )
+        return false;
+    ++wakesOwed_;
     return true;
 }
 
@@ -146,7 +171,7 @@ pb::Ref<struct prProcess> prScheduler::next( bool first, pb::Ref<struct prProces
     if ( !first )
         --running_;
     if ( again )
-        (void)push( std::move( again ) ); // wakes nobody: this thread takes what is ready
+        push( std::move( again ) ); // wakes nobody: this thread takes what is ready
     while ( !stopped_ && !readyMask_ ) {
         if ( !running_ && quiescing_ )
             quiet_.wakeAll();
@@ -162,15 +187,11 @@ pb::Ref<struct prProcess> prScheduler::next( bool first, pb::Ref<struct prProces
     return pop();
 }
 
-bool prScheduler::push( pb::Ref<struct prProcess> process )
+void prScheduler::push( pb::Ref<struct prProcess> process )
 {
     const pbInt priority = process->priority;
     ready_[priority].push( std::move( process ) );
     readyMask_ |= 1u << priority;
-    if ( sleeping_ <= wakesOwed_ )
-        return false;
-    ++wakesOwed_;
-    return true;
 }
 
 pb::Ref<struct prProcess> prScheduler::pop()

@@ -42,7 +42,8 @@ struct prScheduler final : pb::Object<struct prScheduler, pr___sort_PR_SCHEDULER
     // Waits for the runs under way and joins the threads. What is still queued is dropped without a run, and so is
     // everything that comes later. Not from a thread of this scheduler.
     void stop();
-    // Keeps a reference to the process until it has run or was dropped. False after stop. Starts the threads if need be.
+    // Keeps a reference to the process until it has run or was dropped. False after stop. Starts the threads if need be;
+    // wakes one, or leaves that to the flush of a thread that holds wakes back.
     bool enqueue( struct prProcess *process );
     // Blocks until nothing is queued or running.
     void quiesce();
@@ -54,8 +55,10 @@ private:
     void work();
     // Ends the calling thread's last run, which may ask for another, and waits for the next; null to end the thread.
     pb::Ref<struct prProcess> next( bool first, pb::Ref<struct prProcess> again );
+    static void wakeHeldBack( struct pbObj *self );
     // True when a sleeping thread is now owed a wake: the caller wakes it after leaving the monitor.
-    bool push( pb::Ref<struct prProcess> process ) PB_REQUIRES( monitor_ );
+    bool oweWake() PB_REQUIRES( monitor_ );
+    void push( pb::Ref<struct prProcess> process ) PB_REQUIRES( monitor_ );
     pb::Ref<struct prProcess> pop() PB_REQUIRES( monitor_ );
 
     // fixed

@@ -88,6 +88,20 @@ TEST( WakeDeathTest, WakesOnlySleepersAndOncePerBatch )
     EXPECT_EXIT( countCalls(), testing::ExitedWithCode( 1 ), "" );
 }
 
+TEST( Wakes, AreHeldBackUntilTheFlush )
+{
+    const auto opens = []( struct pbObj *target ) { pbBarrierUnblock( pbBarrierFrom( target ) ); };
+    const auto counted = barrier( 65 ); // one more than are held back at a time
+    EXPECT_FALSE( pb___WakesTryHold( opens, pbBarrierObj( counted.get() ) ) );
+    pb___WakesHoldBegin();
+    for ( int i = 0; i < 65; ++i )
+        EXPECT_TRUE( pb___WakesTryHold( opens, pbBarrierObj( counted.get() ) ) );
+    EXPECT_FALSE( pbBarrierPassTimed( counted.get(), 0 ) );
+    pb___WakesFlush();
+    EXPECT_TRUE( pbBarrierPassTimed( counted.get(), 0 ) );
+    pb___WakesHoldEnd();
+}
+
 TEST( Barrier, IsOpenAtZero )
 {
     const struct {
@@ -181,24 +195,25 @@ TEST( Signal, DroppedObserversMayComeBack )
     int returns = 0;
     const auto signal = pb::adopt( pbSignalCreate() );
     const auto alert = pb::adopt( pbAlertCreate() );
-    const auto leave = [&]( auto createOf, auto add, auto drop ) {
+    const auto returning = [&] {
         auto target = pb::make<Target>();
         target->onFree = [&, other = pb::make<Target>()] {
             ++returns;
             pbSignalAddSignalable( signal.get(), signalableOf( other ).get() );
             pbAlertAddAlertable( alert.get(), alertableOf( other ).get() );
         };
-        auto observer = createOf( std::exchange( target, nullptr ) );
-        add( observer.get() );
-        auto *const borrowed = observer.get();
-        observer.reset();
-        drop( borrowed );
+        return target;
     };
-    const auto add = [&]( auto *observer ) { pbSignalAddSignalable( signal.get(), observer ); };
-    leave( signalableOf, add, [&]( auto *observer ) { pbSignalDelSignalable( signal.get(), observer ); } );
-    leave( signalableOf, add, [&]( auto * ) { pbSignalAssert( signal.get() ); } );
-    leave( alertableOf, [&]( auto *observer ) { pbAlertAddAlertable( alert.get(), observer ); },
-           [&]( auto *observer ) { pbAlertDelAlertable( alert.get(), observer ); } );
+    pbSignalable *const deleted = signalableOf( returning() ).release();
+    pbSignalAddSignalable( signal.get(), deleted );
+    pbSignalableRelease( deleted );
+    pbSignalDelSignalable( signal.get(), deleted );
+    pbAlertable *const alerted = alertableOf( returning() ).release();
+    pbAlertAddAlertable( alert.get(), alerted );
+    pbAlertableRelease( alerted );
+    pbAlertDelAlertable( alert.get(), alerted );
+    pbSignalAddSignalable( signal.get(), signalableOf( returning() ).get() );
+    pbSignalAssert( signal.get() );
     EXPECT_EQ( returns, 3 );
 }
 

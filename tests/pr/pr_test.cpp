@@ -155,7 +155,10 @@ TEST( PrProcess, SignalsAlertsAndTimersScheduleIt )
     timer = pb::adopt( prProcessCreateTimer( woken.get() ) );
     const auto signal = pb::adopt( pbSignalCreate() );
     pbSignalAddSignalable( signal.get(), pb::adopt( prProcessCreateSignalable( woken.get() ) ).get() );
-    pbSignalAssert( signal.get() );
+    {
+        const pb::WakeHold hold; // the thread that is to run it sleeps until this ends
+        pbSignalAssert( signal.get() );
+    }
     pr___Quiesce();
     EXPECT_EQ( runs, 1 );
     const auto alert = pb::adopt( pbAlertCreate() );
