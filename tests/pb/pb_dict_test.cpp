@@ -79,28 +79,17 @@ TEST( Dict, HoldsWhatAMapHoldsThroughGrowthAndShrinking )
             if ( i % 500 == 250 )
                 copies.emplace_back( dict, model );
         }
-        for ( const auto &[copy, then] : copies )
+        copies.emplace_back( dict, model );
+        for ( const auto &[copy, then] : copies ) {
             EXPECT_EQ( contents( copy ), then );
-        EXPECT_EQ( contents( dict ), model );
-    }
-}
-
-TEST( Dict, ComparesContents )
-{
-    // ascending
-    const Model table[] = { {}, { { 1, 1 } }, { { 1, 1 }, { 2, 9 } }, { { 1, 1 }, { 3, 1 } },
-                            { { 1, 2 }, { 3, 0 } }, { { 2, 0 } } };
-    std::vector<pb::Ref<pbDict>> dicts;
-    for ( const Model &model : table ) {
-        auto &dict = dicts.emplace_back( pb::adopt( pbDictCreate() ) );
-        for ( const auto &[key, value] : model ) {
-            pbDictSetIntKey( dict.address(), key, boxed( -1 ).get() );
-            pbDictSetIntKey( dict.address(), key, boxed( value ).get() ); // one entry, the new value
+            auto same = pb::adopt( pbDictCreate() ); // in other leaves
+            for ( const auto &[key, value] : then )
+                pbDictSetIntKey( same.address(), key, boxed( value ).get() );
+            EXPECT_EQ( pbDictCompare( same.get(), copy.get() ), 0 );
+            pbDictSetIntKey( same.address(), 0, boxed( -1 ).get() );
+            EXPECT_NE( pbDictCompare( same.get(), copy.get() ), 0 );
         }
     }
-    for ( size_t a = 0; a < dicts.size(); ++a )
-        for ( size_t b = 0; b < dicts.size(); ++b )
-            EXPECT_EQ( pbDictCompare( dicts[a].get(), dicts[b].get() ), ( a > b ) - ( a < b ) ) << a << " " << b;
 }
 
 TEST( Dict, KeysOfAllSortsLieSideBySide )

@@ -74,7 +74,9 @@ TEST( WakeStress, NothingIsNotifiedAfterDel )
             pbSignalAddSignalable( signal.get(), signalable.get() );
             if ( i % 16 == 0 )
                 std::this_thread::yield();
+            const bool asserted = pbSignalAsserted( signal.get() );
             pbSignalDelSignalable( signal.get(), signalable.get() );
+            EXPECT_GE( target->wakes, asserted );
             EXPECT_LE( std::exchange( target->wakes, 0 ), 1 );
             const auto alertable = alertableOf( target );
             pbAlertAddAlertable( alert.get(), alertable.get() );
