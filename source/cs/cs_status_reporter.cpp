@@ -28,7 +28,7 @@ struct csStatusReporter final : pb::Object<struct csStatusReporter, cs___sort_CS
     }
 
     const pb::Ref<struct trStream> stream;
-    mutable pb::Monitor monitor;
+    mutable pb::Monitor monitor{ 95 }; // traces with it held
     bool up PB_GUARDED_BY( monitor ) = false;
     pb::Ref<struct pbStore> items PB_GUARDED_BY( monitor ) = pb::adopt( pbStoreCreate() );
     pb::Ref<struct pbSignal> update PB_GUARDED_BY( monitor ) = pb::adopt( pbSignalCreate() );

@@ -197,6 +197,7 @@ struct pbString *inAddressToStringShrink( const struct inAddress *ina )
     char text[in::text::capacity];
     if ( ina->isV4() )
         return ascii( text, in::text::writeV4( text, ina->bytes ) ).release();
+    PB_ASSERT_TEXT( ina->length() == in::text::groupCount * 2, "inAddressLength( ina ) == PB_SIZEOF_ARRAY(group) * 2" );
     return ascii( text, in::text::writeV6( text, ina->bytes ) ).release();
 }
 

@@ -18,6 +18,7 @@ bool patientV6( const struct pbString *text, uint8_t *bytes );
 
 // Longest results: "255.255.255.255", eight groups of four digits, and brackets around those.
 inline constexpr size_t capacity = 48;
+inline constexpr pbInt groupCount = 8; // of 16 bits, in an IPv6 address
 
 // Write ASCII to a buffer of that capacity and return the end of what they wrote.
 char *writeV4( char *out, const uint8_t *bytes );

@@ -101,6 +101,12 @@ void addLayer3( const ifaddrs &entry, State &state )
 
 } // namespace
 
+// The socket for interface queries, with the error where there is none.
+struct ControlSocket {
+    const pb::Fd fd{ socket( AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0 ) };
+    const int error = errno; // of the call above when it failed
+};
+
 PB_SORT_DECLARE( in___sort_IN___NW_INTERFACE_IMP )
 
 struct in___NwInterfaceImp final : pb::Object<struct in___NwInterfaceImp, in___sort_IN___NW_INTERFACE_IMP> {
@@ -114,8 +120,9 @@ struct in___NwInterfaceImp final : pb::Object<struct in___NwInterfaceImp, in___s
     const pb::String identifier;
     // The identifier for system calls; null when it has no such form.
     const std::unique_ptr<char, void ( * )( char * )> name;
-    const pb::Fd controlSocket;
-    pb::Ref<struct prProcess> process; // these three are set by start
+    const ControlSocket controlSocket;
+    // Set once, by start.
+    pb::Ref<struct prProcess> process;
     pb::Ref<struct pbSignalable> signalable;
     pb::Ref<struct pbTimer> timer;
 
@@ -137,14 +144,13 @@ PB_OBJECT_DEFINE( in___NwInterfaceImp, in___sort_IN___NW_INTERFACE_IMP )
 in___NwInterfaceImp::in___NwInterfaceImp( const struct pbString *ident )
     : trace( pb::adopt( trStreamCreateCstr( "IN_NW_INTERFACE", -1 ) ) ), identifier( pb::share( ident ) ),
       name( pbStringTryConvertToBytesZ( ident ), pbBytesZFree ),
-      controlSocket( socket( AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0 ) )
+      controlSocket{}
 {
-    const int error = errno;
     trStreamSetPropertyCstrString( trace.get(), "inNwIdentifier", -1, ident );
-    if ( !controlSocket ) {
+    if ( !controlSocket.fd ) {
         trStreamSetNotable( trace.get() );
         tr::text( trace.get(), "[in___NwInterfaceImpCreate()] socket(): -1 (%~s)",
-                  pb::adopt( unixErrorToString( error ) ) );
+                  pb::adopt( unixErrorToString( controlSocket.error ) ) );
     }
 }
 
@@ -203,13 +209,13 @@ State in___NwInterfaceImp::read() const
 void in___NwInterfaceImp::readLink( State &state ) const
 {
     ifreq request = {};
-    if ( !controlSocket || strlen( name.get() ) >= sizeof( request.ifr_name ) )
+    if ( !controlSocket.fd || strlen( name.get() ) >= sizeof( request.ifr_name ) )
         return;
     memcpy( request.ifr_name, name.get(), strlen( name.get() ) );
-    readStatus( controlSocket.get(), request, state );
-    readHardwareAddress( controlSocket.get(), request, state );
-    readMtu( controlSocket.get(), request, state );
-    readSpeed( controlSocket.get(), request, state );
+    readStatus( controlSocket.fd.get(), request, state );
+    readHardwareAddress( controlSocket.fd.get(), request, state );
+    readMtu( controlSocket.fd.get(), request, state );
+    readSpeed( controlSocket.fd.get(), request, state );
 }
 
 void in___NwInterfaceImp::readLayer3( State &state ) const

@@ -10,10 +10,7 @@
 PB_SORT_DECLARE( in___sort_IN_QOS_STACK )
 
 struct inQosStack final : pb::Object<struct inQosStack, in___sort_IN_QOS_STACK> {
-    explicit inQosStack( const struct inQosOptions *initialOptions ) : options( pb::share( initialOptions ) )
-    {
-        traceConfiguration( initialOptions );
-    }
+    explicit inQosStack( const struct inQosOptions *initialOptions ) : options( pb::share( initialOptions ) ) {}
     void traceConfiguration( const struct inQosOptions *inEffect )
     {
         trStreamSetConfiguration( trace.get(), pb::adopt( inQosOptionsStore( inEffect, false ) ).get() );
@@ -22,7 +19,7 @@ struct inQosStack final : pb::Object<struct inQosStack, in___sort_IN_QOS_STACK> 
     // Fixed after construction.
     const pb::Ref<struct trStream> trace = pb::adopt( trStreamCreateCstr( "IN_QOS_STACK", -1 ) );
 
-    mutable pb::Monitor monitor;
+    mutable pb::Monitor monitor{ 95 }; // traces with it held
     // Guarded by the monitor.
     pb::Ref<struct pbSignal> update PB_GUARDED_BY( monitor ) = pb::adopt( pbSignalCreate() );
     pb::Ref<struct inQosOptions> options PB_GUARDED_BY( monitor );
@@ -36,6 +33,7 @@ struct inQosStack *inQosStackCreate( const struct inQosOptions *options, struct 
     auto stack = pb::make<struct inQosStack>( options );
     if ( optionalAnchor )
         trAnchorComplete( optionalAnchor, stack->trace.get() );
+    stack->traceConfiguration( options );
     return stack.release();
 }
 
