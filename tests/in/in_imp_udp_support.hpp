@@ -1,5 +1,5 @@
-// The UDP backend for a test, channels that end with their scope, plain sockets as peers. Every case binds on a loopback
-// address of its own, where all ports are free.
+// The UDP backend for a test, channels that end with their scope, plain sockets as peers. Every case binds on a
+// loopback address of its own, where all ports are free.
 #ifndef IN_IMP_UDP_SUPPORT_HPP
 #define IN_IMP_UDP_SUPPORT_HPP
 

@@ -1,5 +1,5 @@
-// The record of a UDP channel, served step by step without the I/O thread: options of the socket, the limit of the queue,
-// what is watched, and what is dropped.
+// The record of a UDP channel, served step by step without the I/O thread: options of the socket, the limit of the
+// queue, what is watched, and what is dropped.
 #include "in/imp/in_imp_udp_unix_channel.hpp"
 #include "in/in_imp_udp_support.hpp"
 #include "in/qos/in_qos_defaults_internal.h"
@@ -20,6 +20,7 @@ using namespace support;
 
 namespace {
 
+constexpr pbInt any = IN_UDP_PORT_INVALID;
 constexpr pbInt watched = UNIX_FD_CONDITION_READABLE | UNIX_FD_CONDITION_ERROR;
 
 class ImpUdpUnixChannel : public testing::Test {
@@ -32,7 +33,7 @@ protected:
 
     void open( const std::string &ip, uint64_t flags = 0 )
     {
-        auto socket = in___ImpUdpUnixSocketTryOpen( address( ip ).get(), IN_UDP_PORT_INVALID, flags, qos_.get(), nullptr );
+        auto socket = in___ImpUdpUnixSocketTryOpen( address( ip ).get(), any, flags, qos_.get(), nullptr );
         ASSERT_TRUE( socket );
         channel_.emplace( std::move( *socket ), flags, false, qos_.get(), nullptr );
         const pb::Guard guard( channel_->monitor );
@@ -191,7 +192,7 @@ TEST_F( ImpUdpUnixChannel, KeepsPacketsToItselfAfterAnError )
 
 TEST_F( ImpUdpUnixChannel, FailsWhenItsDescriptorCannotBeWatched )
 {
-    auto socket = in___ImpUdpUnixSocketTryOpen( address( "127.2.0.5" ).get(), IN_UDP_PORT_INVALID, 0, nullptr, nullptr );
+    auto socket = in___ImpUdpUnixSocketTryOpen( address( "127.2.0.5" ).get(), any, 0, nullptr, nullptr );
     ASSERT_TRUE( socket );
     socket->descriptor = pb::Fd( ::open( "/proc/self/exe", O_RDONLY | O_CLOEXEC ) ); // epoll refuses files
     channel_.emplace( std::move( *socket ), 0, false, nullptr, nullptr );

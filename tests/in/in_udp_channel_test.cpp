@@ -1,4 +1,5 @@
-// Channels and RTP pairs on a stack bound to the loopback interface: what travels, what is traced, what must not be done.
+// Channels and RTP pairs on a stack bound to the loopback interface: what travels, what is traced, what must not be
+// done.
 #include "in/udp/in_udp_channel.h"
 
 #include "in/base/in_flags.h"
@@ -53,7 +54,15 @@ Channel channelOn( const pb::Ref<struct inStack> &stack, pbInt port = any, uint6
     return pb::adopt( inUdpChannelTryCreate( stack.get(), nullptr, nullptr, nullptr, port, flags, nullptr ) );
 }
 
-pb::Ref<struct inUdpAddress> local( const Channel &channel ) { return pb::adopt( inUdpChannelLocalAddress( channel.get() ) ); }
+pb::Ref<struct inUdpAddress> local( const Channel &channel )
+{
+    return pb::adopt( inUdpChannelLocalAddress( channel.get() ) );
+}
+
+pb::Ref<struct pbVector> rtpPairOn( const pb::Ref<struct inStack> &stack, struct inFilter *filter = nullptr )
+{
+    return pb::adopt( inUdpChannelsVectorTryCreateRtp( stack.get(), nullptr, nullptr, filter, 0, nullptr ) );
+}
 
 std::string text( const pb::Ref<struct inUdpAddress> &address )
 {
@@ -81,14 +90,14 @@ TEST( UdpChannel, SendsWholeBuffersAndParts )
     const Channel from = channelOn( stack ), to = channelOn( stack );
     const auto remote = local( to );
     const auto buffer = bytes( "0123456789" );
+    const auto packet = pb::adopt( inUdpPacketCreateWithPayload( remote.get(), buffer.get() ) );
     const struct {
         std::function<void()> send;
         std::string received;
     } rows[] = {
         { [&] { inUdpChannelSendBytes( from.get(), remote.get(), "bytes", 5 ); }, "bytes" },
         { [&] { inUdpChannelSendBytes( from.get(), remote.get(), nullptr, 0 ); }, "" },
-        { [&] { inUdpChannelSend( from.get(), pb::adopt( inUdpPacketCreateWithPayload( remote.get(), buffer.get() ) ).get() ); },
-          "0123456789" },
+        { [&] { inUdpChannelSend( from.get(), packet.get() ); }, "0123456789" },
         { [&] { inUdpChannelSendBuffer( from.get(), remote.get(), buffer.get() ); }, "0123456789" },
         { [&] { inUdpChannelSendBufferLeading( from.get(), remote.get(), buffer.get(), 1 ); }, "0" },
         { [&] { inUdpChannelSendBufferTrailing( from.get(), remote.get(), buffer.get(), 3 ); }, "789" },
@@ -128,10 +137,12 @@ TEST( UdpChannel, TracesItsLife )
             inUdpChannelSendBytes( channel.get(), local( channel ).get(), "to myself", 9 );
             EXPECT_EQ( support::payload( await( channel ) ), "to myself" );
         }
-        std::vector<std::string> expected = { "[inUdpChannelTryCreate()] optionalLocalPort: -1",
-                                              "[inUdpChannelSendBytes()] bytesSent: 9, remoteAddress: 127.0.0.1:27000",
-                                              "[inUdpChannelReceive()] bytesReceived: 9, remoteAddress: 127.0.0.1:27000",
-                                              "[in___UdpChannelFreeFunc()] error: false" };
+        std::vector<std::string> expected = {
+            "[inUdpChannelTryCreate()] optionalLocalPort: -1",
+            "[inUdpChannelSendBytes()] bytesSent: 9, remoteAddress: 127.0.0.1:27000",
+            "[inUdpChannelReceive()] bytesReceived: 9, remoteAddress: 127.0.0.1:27000",
+            "[in___UdpChannelFreeFunc()] error: false",
+        };
         if ( !highVolume )
             expected.erase( expected.begin() + 1, expected.begin() + 3 );
         EXPECT_EQ( catcher.texts( "IN_UDP_CHANNEL" ), expected );
@@ -160,13 +171,9 @@ TEST( UdpChannel, TracesWhyThereIsNone )
              return pb::adopt( inUdpChannelObj( channelOn( narrow ).release() ) );
          },
           "IN_UDP_CHANNEL", "[inUdpChannelTryCreate()] in___ImpUdpChannelTryCreate(): IN___IMP_UDP_CHANNEL_INVALID" },
-        { [&] {
-             return pb::adopt( pbVectorObj( inUdpChannelsVectorTryCreateRtp( nowhere.get(), nullptr, nullptr, nullptr, 0, nullptr ) ) );
-         },
+        { [&] { return pb::adopt( pbVectorObj( rtpPairOn( nowhere ).release() ) ); },
           "inUdpChannelsVectorTryCreateRtp()", "inStackAddress(): null" },
-        { [&] {
-             return pb::adopt( pbVectorObj( inUdpChannelsVectorTryCreateRtp( narrow.get(), nullptr, nullptr, nullptr, 0, nullptr ) ) );
-         },
+        { [&] { return pb::adopt( pbVectorObj( rtpPairOn( narrow ).release() ) ); },
           "inUdpChannelsVectorTryCreateRtp()", "rtpChannel: IN___IMP_UDP_CHANNEL_INVALID" },
     };
     for ( const auto &row : rows ) {
@@ -211,12 +218,12 @@ TEST( UdpChannelDeathTest, Preconditions )
         std::function<void()> call;
         const char *text;
     } rows[] = {
-        { [&] { channelOn( stack, 0 ); }, "optionalLocalPort == IN_UDP_PORT_INVALID || IN_UDP_PORT_OK( optionalLocalPort )" },
+        { [&] { channelOn( stack, 0 ); },
+          "optionalLocalPort == IN_UDP_PORT_INVALID || IN_UDP_PORT_OK( optionalLocalPort )" },
         { [&] { channelOn( nullptr ); }, "stack" },
         { [&] { inUdpChannelTryCreate( stack.get(), nullptr, map, nullptr, any, 0, nullptr ); },
           "!optionalMapStack: there is no address mapping yet" },
-        { [&] { inUdpChannelsVectorTryCreateRtp( stack.get(), nullptr, nullptr, filter, 0, nullptr ); },
-          "!optionalFilter: there are no address filters yet" },
+        { [&] { rtpPairOn( stack, filter ); }, "!optionalFilter: there are no address filters yet" },
         { [&] { inUdpChannelSendBytes( chan, nullptr, "", 0 ); }, "remoteAddress" },
         { [&] { inUdpChannelSendBytes( chan, remote.get(), nullptr, 1 ); }, "bytes || !byteCount" },
         { [&] { inUdpChannelSendBytes( chan, remote.get(), "", -1 ); }, "byteCount >= 0" },

@@ -67,7 +67,8 @@ TEST_F( UdpMulticastReceiver, TracesWhatItJoins )
     EXPECT_FALSE( catcher.notable( "IN_UDP_MULTICAST_RECEIVER" ) );
     EXPECT_FALSE( tryCreate( IN_UDP_PORT_INVALID ) );
     EXPECT_THAT( catcher.texts( "IN_UDP_MULTICAST_RECEIVER" ),
-                 testing::ElementsAre( "[inUdpMulticastReceiverTryCreate()] in___ImpUdpChannelTryCreate(): IN___IMP_UDP_CHANNEL_INVALID" ) );
+                 testing::ElementsAre( "[inUdpMulticastReceiverTryCreate()] in___ImpUdpChannelTryCreate(): "
+                                       "IN___IMP_UDP_CHANNEL_INVALID" ) );
     EXPECT_TRUE( catcher.notable( "IN_UDP_MULTICAST_RECEIVER" ) );
 }
 

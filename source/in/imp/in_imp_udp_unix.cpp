@@ -21,8 +21,8 @@
 
 PB_SORT_DECLARE( in___sort_IN___IMP_UDP_UNIX_REMAP )
 
-// The channel identifier of each descriptor number, -1 for none. Descriptor numbers are small and dense, so that this is
-// an array: the thread asks it for every event.
+// The channel identifier of each descriptor number, -1 for none. Descriptor numbers are small and dense, so that this
+// is an array: the thread asks it for every event.
 struct in___ImpUdpUnixRemap final : pb::Object<struct in___ImpUdpUnixRemap, in___sort_IN___IMP_UDP_UNIX_REMAP> {
     std::vector<int32_t> identifiers;
 

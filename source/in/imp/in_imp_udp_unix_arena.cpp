@@ -30,8 +30,8 @@ size_t in___ImpUdpUnixArena::receiveOne( int fd )
 {
     mmsghdr &header = headers_[0];
     header.msg_hdr.msg_namelen = sizeof sources_[0];
-    const ssize_t received = recvfrom( fd, vectors_[0].iov_base, slotSize, 0, reinterpret_cast<sockaddr *>( &sources_[0] ),
-                                       &header.msg_hdr.msg_namelen );
+    const ssize_t received = recvfrom( fd, vectors_[0].iov_base, slotSize, 0,
+                                       reinterpret_cast<sockaddr *>( &sources_[0] ), &header.msg_hdr.msg_namelen );
     header.msg_len = static_cast<unsigned int>( std::max<ssize_t>( received, 0 ) );
     return received >= 0;
 }

@@ -12,8 +12,8 @@ struct pbBarrier;
 struct pbSignal;
 struct unixFdObserver;
 
-// Tells from the last events whether the next one is worth a batch. Datagrams that trickle in are taken one by one, with
-// a batch now and then to notice when they stop trickling.
+// Tells from the last events whether the next one is worth a batch. Datagrams that trickle in are taken one by one,
+// with a batch now and then to notice when they stop trickling.
 class in___ImpUdpUnixPace {
 public:
     bool oneByOne() const { return quietEvents_ >= trusted; }

@@ -46,7 +46,8 @@ extern "C" struct pbVector *inUdpChannelsVectorTryCreateRtp( struct inStack *sta
     pbInt rtpChannel, rtcpChannel;
     in___ImpUdpChannelTryCreateRtp( &rtpChannel, &rtcpChannel, localAddress.get(), portRange.get(),
                                     inUdpFlagsNormalize( flags ), optionalQosStack );
-    PB_ASSERT( ( rtpChannel == IN___IMP_UDP_CHANNEL_INVALID && rtcpChannel == IN___IMP_UDP_CHANNEL_INVALID ) || ( rtpChannel != IN___IMP_UDP_CHANNEL_INVALID && rtcpChannel != IN___IMP_UDP_CHANNEL_INVALID ) );
+    PB_ASSERT( ( rtpChannel == IN___IMP_UDP_CHANNEL_INVALID && rtcpChannel == IN___IMP_UDP_CHANNEL_INVALID ) ||
+               ( rtpChannel != IN___IMP_UDP_CHANNEL_INVALID && rtcpChannel != IN___IMP_UDP_CHANNEL_INVALID ) );
     if ( rtpChannel == IN___IMP_UDP_CHANNEL_INVALID ) {
         trStreamSetNotable( stream.get() );
         tr::text( stream.get(), "rtpChannel: IN___IMP_UDP_CHANNEL_INVALID" );
