@@ -17,12 +17,21 @@ void scheduleTarget( struct pbObj *target ) { prProcessFrom( target )->schedule(
 struct prProcess *create( struct prScheduler *scheduler, pbInt priority, void ( *function )( struct pbObj * ),
                           struct pbObj *optionalArgument, const char *name, pbInt nameLength )
 {
-    return pb::make<struct prProcess>( scheduler, priority, function, optionalArgument,
+    return pb::make<struct prProcess>( scheduler, priority, function, pb::share( optionalArgument ),
                                        pb::adopt( pbStringCreateFromCstr( name, nameLength ) ) )
         .release();
 }
 
 } // namespace
+
+prProcess::~prProcess()
+{
+    if ( !argument )
+        return;
+    const auto successor =
+        pb::make<struct prProcess>( scheduler.get(), priority, function, std::move( argument ), name );
+    successor->halt();
+}
 
 // The flags change by read-modify-write alone, also where a flag is set already: the run then reads from a chain that
 // began with the schedule, and sees what the caller wrote before it.
@@ -63,6 +72,12 @@ void prProcess::drop()
     unsigned expected = scheduled;
     if ( !state.compare_exchange_strong( expected, 0, std::memory_order_acq_rel ) )
         finish();
+}
+
+void prProcess::retire( pb::Ref<struct prProcess> process )
+{
+    if ( !pb::isShared( process.get() ) )
+        process->argument.reset();
 }
 
 void prProcess::finish()

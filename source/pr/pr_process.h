@@ -26,8 +26,8 @@ PB_API struct pbString *prProcessToString( const struct prProcess *obj );
 PB_API pbInt prProcessCompare( const struct prProcess *a, const struct prProcess *b );
 PB_API pbBool prProcessEquals( const struct prProcess *a, const struct prProcess *b );
 
-// The argument is retained until the process has halted and its last run has returned; a scheduler thread then releases
-// it. priority 0..9, higher runs first.
+// The argument is retained until the process has halted and its last run has returned, or nobody has the process any
+// more; a scheduler thread then releases it, unless the scheduler has stopped. priority 0..9, higher runs first.
 PB_API struct prProcess *prProcessCreateWithPriorityCstr( pbInt priority, void ( *function )( struct pbObj *optionalArgument ),
                                                           struct pbObj *optionalArgument, const char *name, pbInt nameLength );
 // Runs in the threads of the domain, in which it may block.

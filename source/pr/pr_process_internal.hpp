@@ -5,7 +5,8 @@
 //   running     one thread is inside the function; "scheduled", when set meanwhile, is taken up by it afterwards.
 //   halted      no run starts any more. Halting sets "scheduled" too, so that the process passes through a scheduler
 //               thread once more, which ends it. The argument is never dropped in the thread that halts: that thread may
-//               hold monitors that live in the argument.
+//               hold monitors that live in the argument. Nor is it in the thread that releases a process which never
+//               halted, for the same reason: a halted successor takes it through the scheduler.
 // So at any time the queue, one thread or nobody holds the process, and its end happens exactly once.
 #ifndef PR_PROCESS_INTERNAL_HPP
 #define PR_PROCESS_INTERNAL_HPP
@@ -32,11 +33,13 @@ struct prProcess final : pb::Object<struct prProcess, pr___sort_PR_PROCESS> {
     pb::Ref<struct prProcess> nextReady; // of the scheduler's queue, under its monitor
 
     prProcess( struct prScheduler *ownScheduler, pbInt ownPriority, void ( *ownFunction )( struct pbObj * ),
-               struct pbObj *ownArgument, pb::String ownName )
+               pb::Ref<struct pbObj> ownArgument, pb::String ownName )
         : scheduler( pb::share( ownScheduler ) ), priority( ownPriority ), function( ownFunction ),
-          name( std::move( ownName ) ), argument( pb::share( ownArgument ) )
+          name( std::move( ownName ) ), argument( std::move( ownArgument ) )
     {
     }
+
+    ~prProcess();
 
     pb::String toString() const { return name; }
 
@@ -46,6 +49,9 @@ struct prProcess final : pb::Object<struct prProcess, pr___sort_PR_PROCESS> {
     bool run();
     // Instead of run, when no thread will: forgets the request, or ends the process if it has halted.
     void drop();
+    // Releases it, for a scheduler thread between two runs, which holds no monitor: when nobody else has the process,
+    // its argument goes here and needs no successor.
+    static void retire( pb::Ref<struct prProcess> process );
 
 private:
     void finish();

@@ -160,7 +160,7 @@ void prScheduler::work()
     while ( process ) {
         const bool again = process->run();
         if ( !again )
-            process.reset(); // before the run counts as over: this may free the process and what hangs on it
+            prProcess::retire( std::move( process ) ); // before the run counts as over: it may free what hangs on it
         process = next( false, std::move( process ) );
     }
 }

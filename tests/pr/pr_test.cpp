@@ -1,6 +1,7 @@
 // Processes, domains and the module, alone and under contention.
 #include "pb/pb_alert.h"
 #include "pb/pb_alertable.h"
+#include "pb/pb_barrier.h"
 #include "pb/pb_signal.h"
 #include "pb/pb_signalable.h"
 #include "pb/pb_timer.h"
@@ -101,6 +102,50 @@ TEST_F( PrHeld, HaltCancelsAPendingRunAndReleasesTheArgumentInASchedulerThread )
     prProcessEndWait( idle.get() );
     EXPECT_EQ( destroyed, 2 );
     EXPECT_EQ( runs, 0 );
+}
+
+TEST_F( PrHeld, TheLastReleaseLeavesTheArgumentToASchedulerThread )
+{
+    process( [] {}, &destroyed, domain ).reset();
+    Process lastOfAStoppedDomain;
+    {
+        const Domain stopped = pb::adopt( prDomainTryCreate( 1, 3, 0 ) );
+        lastOfAStoppedDomain = process( [] {}, &runs, stopped );
+    }
+    EXPECT_EQ( destroyed, 0 );
+    finish();
+    EXPECT_EQ( destroyed, 1 );
+    lastOfAStoppedDomain.reset();
+    EXPECT_EQ( runs, 1 );
+}
+
+// The first process runs again at once, and blocks: the other thread of the domain has to take the second one.
+TEST( PrDomain, AProcessThatRunsAgainAndBlocksHoldsUpNoOther )
+{
+    Domain domain = pb::adopt( prDomainTryCreate( 2, 3, 0 ) );
+    const auto barrier = pb::adopt( pbBarrierCreate( 1 ) );
+    std::counting_semaphore<> again{ 0 }, passed{ 0 };
+    int runs = 0;
+    bool inTime = false;
+    Process blocking;
+    blocking = process(
+        [&] {
+            if ( ++runs == 1 ) {
+                prProcessSchedule( blocking.get() );
+                return;
+            }
+            again.release();
+            inTime = pbBarrierPassTimed( barrier.get(), 20'000 );
+            passed.release();
+        },
+        nullptr, domain );
+    const Process opening = process( [&] { pbBarrierUnblock( barrier.get() ); }, nullptr, domain );
+    prProcessSchedule( blocking.get() );
+    again.acquire();
+    prProcessSchedule( opening.get() );
+    passed.acquire();
+    EXPECT_TRUE( inTime );
+    domain.reset(); // waits for what still runs
 }
 
 TEST_F( PrHeld, ReleaseOfTheDomainWaitsForTheRunUnderWayAndDropsTheRest )
