@@ -20,11 +20,12 @@ struct csStatusReporter final : pb::Object<struct csStatusReporter, cs___sort_CS
     }
 
     // A registration is for one change: whoever is woken registers with the next signal before he reads. Asserted under
-    // the monitor, so that no notification starts after a Del.
-    void changed() PB_REQUIRES( monitor )
+    // the monitor, so that no notification starts after a Del. The signal that is over is left to the caller, to be
+    // dropped after the monitor.
+    [[nodiscard]] pb::Ref<struct pbSignal> changed() PB_REQUIRES( monitor )
     {
         pbSignalAssert( update.get() );
-        update = pb::adopt( pbSignalCreate() );
+        return std::exchange( update, pb::adopt( pbSignalCreate() ) );
     }
 
     const pb::Ref<struct trStream> stream;
@@ -44,12 +45,13 @@ extern "C" struct csStatusReporter *csStatusReporterCreate( struct trAnchor *opt
 extern "C" void csStatusReporterSetUp( struct csStatusReporter *reporter, pbBool up )
 {
     PB_ASSERT( reporter );
+    pb::Ref<struct pbSignal> over;
     pb::Guard guard( reporter->monitor );
     if ( reporter->up == static_cast<bool>( up ) )
         return;
     reporter->up = up;
     trStreamSetPropertyCstrBool( reporter->stream.get(), "csUp", -1, PB_BOOL_FROM( up ) );
-    reporter->changed();
+    over = reporter->changed();
 }
 
 extern "C" pbBool csStatusReporterUp( const struct csStatusReporter *reporter )
@@ -65,25 +67,27 @@ extern "C" void csStatusReporterSetItemCstr( struct csStatusReporter *reporter, 
     PB_ASSERT( reporter );
     PB_ASSERT( key );
     PB_ASSERT( value );
+    pb::Ref<struct pbSignal> over;
     pb::Guard guard( reporter->monitor );
     const auto old = pb::adopt( pbStoreValueCstr( reporter->items.get(), key, keyLength ) );
     if ( old && pbStringEquals( old.get(), value ) )
         return;
     pbStoreSetValueCstr( reporter->items.address(), key, keyLength, value );
     trStreamSetPropertyCstrString( reporter->stream.get(), key, keyLength, value );
-    reporter->changed();
+    over = reporter->changed();
 }
 
 extern "C" void csStatusReporterDelItemCstr( struct csStatusReporter *reporter, const char *key, pbInt keyLength )
 {
     PB_ASSERT( reporter );
     PB_ASSERT( key );
+    pb::Ref<struct pbSignal> over;
     pb::Guard guard( reporter->monitor );
     if ( !pbStoreHasValueCstr( reporter->items.get(), key, keyLength ) )
         return;
     pbStoreDelValueCstr( reporter->items.address(), key, keyLength );
     trStreamDelPropertyCstr( reporter->stream.get(), key, keyLength );
-    reporter->changed();
+    over = reporter->changed();
 }
 
 extern "C" struct pbStore *csStatusReporterItems( const struct csStatusReporter *reporter )

@@ -44,13 +44,6 @@ public:
         return removed;
     }
 
-    // All observers, to be dropped when no lock is held; the set is empty afterwards.
-    [[nodiscard]] std::vector<Ref<pbObj>> take() noexcept
-    {
-        index_.reset();
-        return std::exchange( observers_, {} );
-    }
-
     auto begin() const noexcept { return observers_.begin(); }
     auto end() const noexcept { return observers_.end(); }
 

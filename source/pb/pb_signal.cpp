@@ -1,6 +1,7 @@
 // pbSignal: a latch and the set of what it wakes.
 // The lock is a leaf. Waking under it is what makes Del final: after Del no notification can start. References are
-// never dropped under it, since the last one may run a destructor that comes back here.
+// never dropped under it, since the last one may run a destructor that comes back here. Nor does an assertion drop those
+// to what it woke: whoever asserts may hold monitors. They go with the signal or a Del.
 #include "pb/pb_signal.h"
 #include "pb/pb_barrier.h"
 #include "pb/pb_monitor.hpp"
@@ -12,7 +13,7 @@ PB_SORT_DECLARE( pb___sort_PB_SIGNAL )
 struct pbSignal final : pb::Object<struct pbSignal, pb___sort_PB_SIGNAL> {
     std::atomic<bool> asserted{ false }; // changes under the monitor, is read without
     pb::Monitor monitor;
-    pb::ObserverSet observers PB_GUARDED_BY( monitor ); // signalables and barriers; empty once asserted
+    pb::ObserverSet observers PB_GUARDED_BY( monitor ); // signalables and barriers; fixed but for Del once asserted
 };
 
 PB_OBJECT_DEFINE( pbSignal, pb___sort_PB_SIGNAL )
@@ -57,12 +58,11 @@ void pbSignalAssert( struct pbSignal *signal )
     PB_ASSERT( signal );
     if ( signal->asserted.load( std::memory_order_acquire ) )
         return;
-    std::vector<pb::Ref<pbObj>> woken;
     const pb::WakeHold hold;
     const pb::Guard guard( signal->monitor );
-    signal->asserted.store( true, std::memory_order_release );
-    woken = signal->observers.take();
-    for ( const auto &observer : woken )
+    if ( signal->asserted.exchange( true, std::memory_order_acq_rel ) )
+        return;
+    for ( const auto &observer : signal->observers )
         wake( observer.get() );
 }
 

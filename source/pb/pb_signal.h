@@ -21,6 +21,7 @@ PB_API pbBool pbSignalEquals( const struct pbSignal *a, const struct pbSignal *b
 
 PB_API struct pbSignal *pbSignalCreate( void );
 // Signals every attached signalable and unblocks every attached barrier, once; later calls do nothing.
+// What it woke stays referenced until Del or the end of the signal: the caller may hold monitors.
 PB_API void pbSignalAssert( struct pbSignal *signal );
 PB_API pbBool pbSignalAsserted( const struct pbSignal *signal );
 // Adding twice keeps one entry. Adding to an asserted signal signals at once, every time, and keeps nothing.

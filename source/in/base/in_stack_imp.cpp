@@ -97,7 +97,8 @@ private:
     void publishAddress( const Binding &found ) PB_REQUIRES( monitor );
     void publishInterfaces( const Binding &found ) PB_REQUIRES( monitor );
     bool publishUp() PB_REQUIRES( monitor );
-    void assertUpdate() PB_REQUIRES( monitor );
+    // The update signal that is over, to be dropped after the monitor.
+    [[nodiscard]] pb::Ref<struct pbSignal> assertUpdate() PB_REQUIRES( monitor );
     void scheduleTimer( std::optional<pbInt> expiry, pbInt now ) PB_REQUIRES( monitor );
 
     pb::Ref<struct inOptions> optionsInEffect_ PB_GUARDED_BY( monitor );
@@ -126,7 +127,10 @@ in___StackImp::~in___StackImp()
 
 void in___StackImp::run()
 {
+    pb::Ref<struct pbSignal> over;
+    Binding before; // keeps the interfaces that are no longer used until the monitor has been left
     pb::Guard guard( monitor );
+    before = binding;
     const pbInt now = pbTimestamp();
     Changes changes;
 
@@ -141,7 +145,7 @@ void in___StackImp::run()
         publishInterfaces( found );
     changes.up = publishUp();
     if ( changes.address || changes.interfaces || changes.up )
-        assertUpdate();
+        over = assertUpdate();
     blacklist.expire( now );
     scheduleTimer( blacklist.earliestExpiry(), now );
 }
@@ -205,10 +209,10 @@ bool in___StackImp::publishUp()
     return true;
 }
 
-void in___StackImp::assertUpdate()
+pb::Ref<struct pbSignal> in___StackImp::assertUpdate()
 {
     pbSignalAssert( update.get() );
-    update = pb::adopt( pbSignalCreate() );
+    return std::exchange( update, pb::adopt( pbSignalCreate() ) );
 }
 
 void in___StackImp::scheduleTimer( std::optional<pbInt> expiry, pbInt now )

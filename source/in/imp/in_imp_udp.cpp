@@ -165,12 +165,13 @@ void in___ImpUdpChannelTryCreateRtp( pbInt *rtpChannel, pbInt *rtcpChannel, cons
 
 void in___ImpUdpChannelDestroy( pbInt chan )
 {
+    in___ImpUdpUnixChannelRecord record; // goes after the monitor has been left: it may end foreign objects
     const pb::Guard guard( in___ImpUdpMonitor );
     if ( !in___ImpUdpChannelIsMulticast( chan ) ) {
         const auto bound = pb::adopt( in___ImpUdpChannelLocalAddress( chan ) );
         pbDictDelObjKey( in___ImpUdpAddressesDict.address(), inUdpAddressObj( bound.get() ) );
     }
-    in___ImpUdpChannelRelease( chan );
+    record = in___ImpUdpChannelRelease( chan );
 }
 
 } // extern "C"

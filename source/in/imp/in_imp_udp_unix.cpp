@@ -166,22 +166,6 @@ pbInt in___ImpUdpChannelTryAllocate( const struct inAddress *localAddress, pbInt
     return chan;
 }
 
-void in___ImpUdpChannelRelease( pbInt chan )
-{
-    in___ImpUdpUnixChannel &channel = channelOf( chan );
-    {
-        const pb::Guard guard( channel.monitor );
-        in___ImpUdpUnixChannelSetError( channel, channelObserver.get() );
-    }
-    pbBarrierPass( channel.barrier.get() );
-
-    const std::unique_ptr<in___ImpUdpUnixChannel> record( &channel ); // members go after the monitor has been left
-    const pb::Guard guard( allocateReleaseMonitor );
-    channelObserverRemap.get()->remove( static_cast<size_t>( channel.descriptor.get() ) );
-    channel.descriptor.reset();
-    channelArray[chan].store( nullptr, std::memory_order_relaxed );
-}
-
 struct inUdpAddress *in___ImpUdpChannelLocalAddress( pbInt chan ) { return channelOf( chan ).localAddress.share(); }
 
 uint64_t in___ImpUdpChannelFlags( pbInt chan ) { return channelOf( chan ).flags; }
@@ -249,3 +233,24 @@ void in___ImpUdpChannelReceiveDelAlertable( pbInt chan, struct pbAlertable *aler
 }
 
 } // extern "C"
+
+in___ImpUdpUnixChannelRecord in___ImpUdpChannelRelease( pbInt chan )
+{
+    in___ImpUdpUnixChannelRecord channel( &channelOf( chan ) );
+    {
+        const pb::Guard guard( channel->monitor );
+        in___ImpUdpUnixChannelSetError( *channel, channelObserver.get() );
+    }
+    pbBarrierPass( channel->barrier.get() );
+
+    const pb::Guard guard( allocateReleaseMonitor );
+    channelObserverRemap.get()->remove( static_cast<size_t>( channel->descriptor.get() ) );
+    channel->descriptor.reset();
+    channelArray[chan].store( nullptr, std::memory_order_relaxed );
+    return channel;
+}
+
+void in___ImpUdpUnixChannelFree::operator()( struct in___ImpUdpUnixChannel *channel ) const noexcept
+{
+    delete channel;
+}

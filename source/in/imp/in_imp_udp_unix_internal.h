@@ -7,6 +7,8 @@
 
 #include "pb/pb_obj.h"
 
+#include <memory>
+
 PB_DECLS_BEGIN
 
 struct inAddress;
@@ -24,11 +26,10 @@ struct pbString;
 void in___ImpUdpChannelStartup( void );
 void in___ImpUdpChannelShutdown( void );
 
-// For in___ImpUdpChannelTryCreate and in___ImpUdpChannelDestroy alone. Port IN_UDP_PORT_INVALID: as the system chooses.
+// For in___ImpUdpChannelTryCreate and TryCreateRtp alone. Port IN_UDP_PORT_INVALID: as the system chooses.
 // IN___IMP_UDP_CHANNEL_INVALID, and nothing left behind, when the system refuses or the table is full.
 pbInt in___ImpUdpChannelTryAllocate( const struct inAddress *localAddress, pbInt optionalLocalPort, uint64_t flags,
                                      struct inQosStack *optionalQosStack, const struct pbString *optionalInterface );
-void in___ImpUdpChannelRelease( pbInt chan );
 
 // As reported by the system after binding.
 struct inUdpAddress *in___ImpUdpChannelLocalAddress( pbInt chan );
@@ -54,5 +55,15 @@ void in___ImpUdpChannelReceiveAddAlertable( pbInt chan, struct pbAlertable *aler
 void in___ImpUdpChannelReceiveDelAlertable( pbInt chan, struct pbAlertable *alertable );
 
 PB_DECLS_END
+
+struct in___ImpUdpUnixChannel;
+struct in___ImpUdpUnixChannelFree {
+    void operator()( struct in___ImpUdpUnixChannel *channel ) const noexcept;
+};
+using in___ImpUdpUnixChannelRecord = std::unique_ptr<struct in___ImpUdpUnixChannel, in___ImpUdpUnixChannelFree>;
+
+// For in___ImpUdpChannelDestroy alone. The channel is closed and its identifier free; what it referred to goes with the
+// record, which the caller drops when it holds no monitor.
+[[nodiscard]] in___ImpUdpUnixChannelRecord in___ImpUdpChannelRelease( pbInt chan );
 
 #endif

@@ -136,7 +136,8 @@ private:
     State read() const;
     void readLink( State &state ) const;
     void readLayer3( State &state ) const;
-    void publish( State state ) PB_REQUIRES( monitor );
+    // The update signal that is over, to be dropped after the monitor.
+    [[nodiscard]] pb::Ref<struct pbSignal> publish( State state ) PB_REQUIRES( monitor );
 };
 
 PB_OBJECT_DEFINE( in___NwInterfaceImp, in___sort_IN___NW_INTERFACE_IMP )
@@ -167,12 +168,13 @@ void in___NwInterfaceImp::start( struct trAnchor *optionalAnchor )
 
 void in___NwInterfaceImp::run()
 {
+    pb::Ref<struct pbSignal> over;
     pb::Guard guard( monitor ); // held over the reading on purpose: changes to the interface must not fall between
     PB_ASSERT_TEXT( !inNwInterfaceStateEnd( extState.get() ), "!inNwInterfaceStateEnd( imp->extState )" );
     if ( endRequested ) {
         State ended = extState;
         inNwInterfaceStateSetEnd( ended.address(), true );
-        publish( std::move( ended ) );
+        over = publish( std::move( ended ) );
         prProcessHalt( process.get() );
         return;
     }
@@ -182,16 +184,16 @@ void in___NwInterfaceImp::run()
     if ( state != extState ) {
         const auto store = pb::adopt( inNwInterfaceStateStore( state.get() ) );
         trStreamSetPropertyCstrStore( trace.get(), "inNwInterfaceState", -1, store.get() );
-        publish( std::move( state ) );
+        over = publish( std::move( state ) );
     }
     pbTimerSchedule( timer.get(), refreshIntervalMilliseconds );
 }
 
-void in___NwInterfaceImp::publish( State state )
+pb::Ref<struct pbSignal> in___NwInterfaceImp::publish( State state )
 {
     extState = std::move( state );
     pbSignalAssert( update.get() );
-    update = pb::adopt( pbSignalCreate() );
+    return std::exchange( update, pb::adopt( pbSignalCreate() ) );
 }
 
 State in___NwInterfaceImp::read() const

@@ -82,9 +82,13 @@ void addNamesWithAddresses( struct pbDict **names )
 
 void in___NwInterfaces::run()
 {
+    pb::Ref<struct pbSignal> over;
+    pb::Ref<struct pbDict> interfacesBefore, impsBefore; // keep what the run removes until the monitor has been left
     pb::Guard guard( monitor ); // held over the enumeration and the first refresh of new interfaces on purpose
     if ( shuttingDown )
         return;
+    interfacesBefore = interfaces;
+    impsBefore = imps;
     bool changed = removeEnded();
     // While the timer is scheduled it was an interface that woke the process, and the host need not be asked.
     if ( !pbTimerScheduled( timer.get() ) ) {
@@ -97,7 +101,7 @@ void in___NwInterfaces::run()
     }
     if ( changed ) {
         pbSignalAssert( update.get() );
-        update = pb::adopt( pbSignalCreate() );
+        over = std::exchange( update, pb::adopt( pbSignalCreate() ) );
     }
 }
 

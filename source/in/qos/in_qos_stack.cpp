@@ -48,11 +48,12 @@ void inQosStackSetOptions( struct inQosStack *stack, const struct inQosOptions *
 {
     PB_ASSERT( stack );
     PB_ASSERT( options );
+    pb::Ref<struct pbSignal> over; // is dropped after the monitor
     pb::Guard guard( stack->monitor );
     if ( !inQosOptionsEquals( options, stack->options.get() ) ) {
         stack->traceConfiguration( options );
         pbSignalAssert( stack->update.get() );
-        stack->update = pb::adopt( pbSignalCreate() );
+        over = std::exchange( stack->update, pb::adopt( pbSignalCreate() ) );
     }
     stack->options = pb::share( options );
 }
