@@ -25,6 +25,8 @@ struct trStream final : pb::Object<struct trStream, tr___sort_TR_STREAM> {
     const pb::String name;
     const pbInt identifier = nextIdentifier();
 
+    // Held while a change is handed to the listener, so that the events tell the states in their order. The system's
+    // monitor is the inner one, and the listener does not come back.
     mutable pb::Monitor monitor;
     pb::String payloadType PB_GUARDED_BY( monitor );
     pb::Ref<struct pbStore> properties PB_GUARDED_BY( monitor ); // null: none so far
@@ -39,7 +41,7 @@ struct trStream final : pb::Object<struct trStream, tr___sort_TR_STREAM> {
 
     pb::String toString() const { return name; }
 
-    void emit( struct trEvent event ) const PB_EXCLUDES( monitor )
+    void emit( struct trEvent event ) const
     {
         if ( !tr::listening() )
             return;
@@ -50,12 +52,11 @@ struct trStream final : pb::Object<struct trStream, tr___sort_TR_STREAM> {
 
     void setNotable( bool value ) PB_EXCLUDES( monitor )
     {
-        {
-            pb::Guard guard( monitor );
-            if ( std::exchange( notable, value ) == value )
-                return;
-        }
-        emit( { .kind = TR_EVENT_NOTABLE, .value = pb::string( value ? "true" : "false" ).get() } );
+        const pb::String text = pb::string( value ? "true" : "false" );
+        pb::Guard guard( monitor );
+        if ( std::exchange( notable, value ) == value )
+            return;
+        emit( { .kind = TR_EVENT_NOTABLE, .value = text.get() } );
     }
 
     // One of value and store is given, or neither to delete; a property is one or the other, whatever it was before.
@@ -63,18 +64,16 @@ struct trStream final : pb::Object<struct trStream, tr___sort_TR_STREAM> {
         PB_EXCLUDES( monitor )
     {
         const pb::String keyText = pb::adopt( pbStringCreateFromCstr( key, keyLength ) );
-        {
-            pb::Guard guard( monitor );
-            if ( !properties )
-                properties = pb::adopt( pbStoreCreate() );
-            if ( value )
-                pbStoreSetValue( properties.address(), keyText.get(), value );
-            else if ( store )
-                pbStoreSetStore( properties.address(), keyText.get(), store );
-            else {
-                pbStoreDelValueCstr( properties.address(), key, keyLength );
-                pbStoreDelStoreCstr( properties.address(), key, keyLength );
-            }
+        pb::Guard guard( monitor );
+        if ( !properties )
+            properties = pb::adopt( pbStoreCreate() );
+        if ( value )
+            pbStoreSetValue( properties.address(), keyText.get(), value );
+        else if ( store )
+            pbStoreSetStore( properties.address(), keyText.get(), store );
+        else {
+            pbStoreDelValueCstr( properties.address(), key, keyLength );
+            pbStoreDelStoreCstr( properties.address(), key, keyLength );
         }
         emit( { .kind = TR_EVENT_PROPERTY, .key = keyText.get(), .value = value, .store = store } );
     }
@@ -161,10 +160,8 @@ void trStreamSetConfiguration( struct trStream *stream, const struct pbStore *co
     PB_ASSERT( stream );
     PB_ASSERT( configuration );
     pb::Ref<struct pbStore> store = pb::share( configuration ); // leaves with the old one, outside the monitor
-    {
-        pb::Guard guard( stream->monitor );
-        std::swap( stream->configuration, store );
-    }
+    pb::Guard guard( stream->monitor );
+    std::swap( stream->configuration, store );
     stream->emit( { .kind = TR_EVENT_CONFIGURATION, .store = configuration } );
 }
 
