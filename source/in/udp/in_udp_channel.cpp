@@ -51,7 +51,7 @@ pbInt impOf( const struct inUdpChannel *chan )
     return chan->intImpUdpChannel;
 }
 
-pb::Ref<struct trStream> openStream( struct inStack *stack, struct inQosStack *optionalQosStack, uint64_t flags,
+pb::Ref<struct trStream> openStream( struct inStack *stack, struct inQosStack *optionalQosStack,
                                      struct trAnchor *optionalAnchor )
 {
     auto stream = pb::adopt( trStreamCreateCstr( "IN_UDP_CHANNEL", -1 ) );
@@ -62,8 +62,12 @@ pb::Ref<struct trStream> openStream( struct inStack *stack, struct inQosStack *o
     if ( optionalQosStack )
         inQosStackTraceCompleteAnchor( optionalQosStack,
                                        pb::adopt( trAnchorCreate( stream.get(), TR_ANCHOR_KIND_USE ) ).get() );
-    trStreamSetPropertyCstrString( stream.get(), "inUdpFlags", -1, pb::adopt( inUdpFlagsToString( flags ) ).get() );
     return stream;
+}
+
+void traceFlags( struct trStream *stream, uint64_t flags )
+{
+    trStreamSetPropertyCstrString( stream, "inUdpFlags", -1, pb::adopt( inUdpFlagsToString( flags ) ).get() );
 }
 
 struct inUdpChannel *create( pb::Ref<struct trStream> stream, struct inStack *stack, pbInt intImpUdpChannel )
@@ -110,8 +114,9 @@ struct inUdpChannel *inUdpChannelTryCreate( struct inStack *stack, struct inQosS
     PB_ASSERT_TEXT( !optionalMapStack, "!optionalMapStack: there is no address mapping yet" );
     PB_ASSERT_TEXT( !optionalFilter, "!optionalFilter: there are no address filters yet" );
     flags = inUdpFlagsNormalize( flags );
-    auto stream = openStream( stack, optionalQosStack, flags, optionalAnchor );
+    auto stream = openStream( stack, optionalQosStack, optionalAnchor );
     tr::text( stream.get(), "[inUdpChannelTryCreate()] optionalLocalPort: %i", optionalLocalPort );
+    traceFlags( stream.get(), flags );
     const pbInt chan = tryCreateImp( stream.get(), stack, optionalQosStack, optionalLocalPort, flags );
     return IN___IMP_UDP_CHANNEL_OK( chan ) ? create( std::move( stream ), stack, chan ) : nullptr;
 }
@@ -120,7 +125,8 @@ struct inUdpChannel *in___UdpChannelCreate( struct inStack *stack, pbInt intImpU
                                             struct trAnchor *optionalAnchor )
 {
     const auto qosStack = pb::adopt( in___ImpUdpChannelQosStack( intImpUdpChannel ) );
-    auto stream = openStream( stack, qosStack.get(), in___ImpUdpChannelFlags( intImpUdpChannel ), optionalAnchor );
+    auto stream = openStream( stack, qosStack.get(), optionalAnchor );
+    traceFlags( stream.get(), in___ImpUdpChannelFlags( intImpUdpChannel ) );
     return create( std::move( stream ), stack, intImpUdpChannel );
 }
 

@@ -1,5 +1,7 @@
 // inUdpChannel: a UDP socket on the address of a stack, served by the UDP I/O thread.
-// Threads:   any; calls on one channel may run concurrently. None blocks.
+// Threads:   any; calls on one channel may run concurrently. None blocks but two: creation waits for other creations,
+//            as the choice of a port is serialised, and the last release until the I/O thread has left the channel.
+//            Neither may happen with a monitor of rank 70 or more held (docs/threads.md).
 // Ownership: retains its stacks; getters return a new reference or null. The last release closes the socket; it must
 //            happen before the module's shut-down enters phase two.
 // Failures:  TryCreate returns null and traces the failed step. A failed socket shows in Error for good; after that

@@ -33,6 +33,8 @@ IN_API pbBool inUdpMulticastReceiverEquals( const struct inUdpMulticastReceiver 
 
 // Joins the group on the named interface; without a name, or with one that no interface has, on one that the system
 // chooses. Without a port (IN_UDP_PORT_INVALID) there is no socket to join with, and the result is null.
+// When several receivers of a host have joined one group on different interfaces, the kernel hands each of them the
+// group's datagrams of all those interfaces (IP_MULTICAST_ALL, on by default).
 IN_API struct inUdpMulticastReceiver *inUdpMulticastReceiverTryCreate( const struct inAddress *multicastAddress,
                                                                        const struct pbString *optionalInterface,
                                                                        pbInt optionalLocalPort,
