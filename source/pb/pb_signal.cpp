@@ -1,7 +1,7 @@
 // pbSignal: a latch and the set of what it wakes.
 // The lock is a leaf. Waking under it is what makes Del final: after Del no notification can start. References are
-// never dropped under it, since the last one may run a destructor that comes back here. Nor does an assertion drop those
-// to what it woke: whoever asserts may hold monitors. They go with the signal or a Del.
+// never dropped under it, since the last one may run a destructor that comes back here. Nor does an assertion drop
+// those to what it woke: whoever asserts may hold monitors. They go with the signal or a Del.
 #include "pb/pb_signal.h"
 #include "pb/pb_barrier.h"
 #include "pb/pb_monitor.hpp"
