@@ -12,6 +12,8 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -69,24 +71,32 @@ PB_OBJECT_DEFINE( csConfiguration, cs___sort_CS_CONFIGURATION )
 
 namespace {
 
-// False, and the reason in errno, when the file cannot be read; reads at most one byte more than a text may have, so
-// that an endless file ends.
-bool readFile( const char *path, std::string &bytes )
+std::string errorText( int error )
 {
-    const pb::Fd file( ::open( path, O_RDONLY | O_CLOEXEC | O_NOCTTY ) );
-    if ( !file )
-        return false;
+    return std::system_category().message( error );
+}
+
+// Empty, or why the file cannot be read. Takes nothing but regular files: a pipe or a terminal could keep the caller
+// waiting, and opening a device may do something. Reads at most one byte more than a text may have.
+std::string readFile( const char *path, std::string &bytes )
+{
+    const pb::Fd file( ::open( path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK ) );
+    struct stat status;
+    if ( !file || ::fstat( file.get(), &status ) != 0 )
+        return errorText( errno );
+    if ( !S_ISREG( status.st_mode ) )
+        return S_ISDIR( status.st_mode ) ? errorText( EISDIR ) : "not a regular file";
     char block[65536];
     while ( bytes.size() <= cs::JsonBytesMaximum ) {
         const ssize_t count = ::read( file.get(), block, sizeof block );
         if ( count < 0 && errno != EINTR )
-            return false;
+            return errorText( errno );
         if ( count == 0 )
             break;
         if ( count > 0 )
             bytes.append( block, static_cast<size_t>( count ) );
     }
-    return true;
+    return "";
 }
 
 void setVector( struct pbVector **vector, pb::Ref<struct pbVector> value )
@@ -110,16 +120,13 @@ extern "C" struct csConfiguration *csConfigurationTryLoad( const struct pbString
     PB_ASSERT( path );
     PB_ASSERT( problems );
     std::string bytes;
-    char *const pathZ = pbStringTryConvertToBytesZ( path );
-    errno = EINVAL; // for a path with a NUL in it
-    const bool read = pathZ && readFile( pathZ, bytes );
-    const int error = errno;
-    pbBytesZFree( pathZ );
-    if ( read )
+    const std::unique_ptr<char, decltype( &pbBytesZFree )> pathZ( pbStringTryConvertToBytesZ( path ), pbBytesZFree );
+    // A path with a NUL in it is no path.
+    const std::string reason = pathZ ? readFile( pathZ.get(), bytes ) : errorText( EINVAL );
+    if ( reason.empty() )
         return parse( bytes, path, problems );
     cs::Problems unreadable;
-    unreadable.add( 0, "",
-                    "cannot be read (" + std::system_category().message( error ) + "), expected a configuration file" );
+    unreadable.add( 0, "", "cannot be read (" + reason + "), expected a configuration file" );
     setVector( problems, unreadable.messages( pb::utf8( path ), "" ) );
     return nullptr;
 }

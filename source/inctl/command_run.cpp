@@ -43,6 +43,15 @@ Exit runFile( Output &output, const RunOptions &options )
     return Exit::Yes;
 }
 
+// Not CLI::Range, whose comparisons let NaN pass.
+std::string secondsProblem( const std::string &text )
+{
+    double seconds = 0;
+    return CLI::detail::lexical_cast( text, seconds ) && seconds >= 0 && seconds <= 1e9
+               ? ""
+               : text + " is not a number of seconds from 0 to 1e9";
+}
+
 } // namespace
 
 void addRun( CLI::App &root, Context &context )
@@ -57,7 +66,7 @@ void addRun( CLI::App &root, Context &context )
     command->add_option( "FILE", options->file, "The configuration, JSON with comments" )->required();
     command->add_option( "--for", options->seconds, "End after so many seconds" )
         ->type_name( "SECONDS" )
-        ->check( quiet( CLI::Range( 0.0, 1e9 ) ) );
+        ->check( secondsProblem );
     addTraceOptions( *command, options->trace );
     command->callback(
         [&context, options] { context.run = [&context, options] { return runFile( context.output, *options ); }; } );

@@ -1,5 +1,6 @@
 // inctl udp receive: datagrams in, a line each, and back again with --echo.
 #include "inctl/command.hpp"
+#include "inctl/ear.hpp"
 #include "inctl/endpoint.hpp"
 #include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
@@ -10,7 +11,6 @@
 #include "inctl/udp_opening.hpp"
 #include "inctl/waiter.hpp"
 
-#include "in/udp/in_udp_packet.h"
 #include "pb/pb_buffer.h"
 
 #include <fmt/format.h>
@@ -31,71 +31,6 @@ struct ReceiveOptions {
     std::optional<pbInt> timeout;
     StackChoice stack;
     QosChoice qos;
-};
-
-// One socket that is listened to: a channel or a multicast receiver.
-class Ear {
-public:
-    virtual ~Ear() = default;
-    virtual pb::Ref<struct inUdpPacket> receive() = 0;
-    virtual bool failed() const = 0;
-    virtual pb::Ref<struct inUdpAddress> local() const = 0;
-    virtual void send( const struct inUdpPacket *packet ) = 0;
-};
-
-class ChannelEar final : public Ear {
-public:
-    ChannelEar( pb::Ref<struct inUdpChannel> channel, const Waiter &waiter )
-        : channel_( std::move( channel ) ), waiter_( waiter )
-    {
-        inUdpChannelReceiveAddAlertable( channel_.get(), waiter.alertable() );
-        inUdpChannelErrorAddSignalable( channel_.get(), waiter.signalable() );
-    }
-    ~ChannelEar() override
-    {
-        inUdpChannelReceiveDelAlertable( channel_.get(), waiter_.alertable() );
-        inUdpChannelErrorDelSignalable( channel_.get(), waiter_.signalable() );
-    }
-    pb::Ref<struct inUdpPacket> receive() override { return pb::adopt( inUdpChannelReceive( channel_.get() ) ); }
-    bool failed() const override { return inUdpChannelError( channel_.get() ); }
-    pb::Ref<struct inUdpAddress> local() const override
-    {
-        return pb::adopt( inUdpChannelLocalAddress( channel_.get() ) );
-    }
-    void send( const struct inUdpPacket *packet ) override { inUdpChannelSend( channel_.get(), packet ); }
-
-private:
-    const pb::Ref<struct inUdpChannel> channel_;
-    const Waiter &waiter_;
-};
-
-class GroupEar final : public Ear {
-public:
-    GroupEar( pb::Ref<struct inUdpMulticastReceiver> receiver, const Waiter &waiter )
-        : receiver_( std::move( receiver ) ), waiter_( waiter )
-    {
-        inUdpMulticastReceiverReceiveAddAlertable( receiver_.get(), waiter.alertable() );
-        inUdpMulticastReceiverErrorAddSignalable( receiver_.get(), waiter.signalable() );
-    }
-    ~GroupEar() override
-    {
-        inUdpMulticastReceiverReceiveDelAlertable( receiver_.get(), waiter_.alertable() );
-        inUdpMulticastReceiverErrorDelSignalable( receiver_.get(), waiter_.signalable() );
-    }
-    pb::Ref<struct inUdpPacket> receive() override
-    {
-        return pb::adopt( inUdpMulticastReceiverReceive( receiver_.get() ) );
-    }
-    bool failed() const override { return inUdpMulticastReceiverError( receiver_.get() ); }
-    pb::Ref<struct inUdpAddress> local() const override
-    {
-        return pb::adopt( inUdpMulticastReceiverLocalAddress( receiver_.get() ) );
-    }
-    void send( const struct inUdpPacket * ) override {} // --group and --echo exclude each other
-
-private:
-    const pb::Ref<struct inUdpMulticastReceiver> receiver_;
-    const Waiter &waiter_;
 };
 
 // Receives until enough has come, the time is over or a person stops it, and keeps count.
@@ -145,12 +80,11 @@ private:
         qos_ = options_.qos.stack();
         if ( options_.rtp ) {
             auto [rtp, rtcp] = openRtpPair( stack_->get(), qos_.get() );
-            ears_.push_back( { "rtp", std::make_unique<ChannelEar>( std::move( rtp ), waiter_ ) } );
-            ears_.push_back( { "rtcp", std::make_unique<ChannelEar>( std::move( rtcp ), waiter_ ) } );
+            ears_.push_back( { "rtp", makeEar( std::move( rtp ), waiter_ ) } );
+            ears_.push_back( { "rtcp", makeEar( std::move( rtcp ), waiter_ ) } );
         }
         else
-            ears_.push_back( { "", std::make_unique<ChannelEar>(
-                                       openChannel( stack_->get(), qos_.get(), options_.port, 0 ), waiter_ ) } );
+            ears_.push_back( { "", makeEar( openChannel( stack_->get(), qos_.get(), options_.port, 0 ), waiter_ ) } );
     }
 
     void openTheGroup()
@@ -160,8 +94,8 @@ private:
             throw Failure{ Exit::Usage, fmt::format( "--group: {} is no multicast address", options_.group ) };
         if ( !options_.stack.interface.empty() )
             requireInterface( options_.stack.interface );
-        ears_.push_back( { "", std::make_unique<GroupEar>(
-                                   openGroup( group.get(), options_.stack.interface, options_.port ), waiter_ ) } );
+        ears_.push_back(
+            { "", makeEar( openGroup( group.get(), options_.stack.interface, options_.port ), waiter_ ) } );
     }
 
     bool enough() const { return options_.count && datagrams_ >= *options_.count; }
@@ -254,6 +188,8 @@ Exit receive( Output &output, const ReceiveOptions &options )
         throw Failure{ Exit::Usage, "--group needs --port: a group is received on one port" };
     if ( options.rtp && options.port != IN_UDP_PORT_INVALID && options.port % 2 != 0 )
         throw Failure{ Exit::Usage, "--rtp needs an even --port: RTCP takes the odd one behind it" };
+    if ( options.rtp && options.port != IN_UDP_PORT_INVALID && !options.stack.fromStack.empty() )
+        throw Failure{ Exit::Usage, "--rtp takes its ports from --port or from the range of --from-stack, not both" };
     const Host host;
     return Listener( output, options ).run();
 }
@@ -273,10 +209,8 @@ void addUdpReceive( CLI::App &udp, Context &context )
     port->type_name( "PORT" )->check( quiet( CLI::Range( 1, 65535 ) ) );
     CLI::Option *echo = command->add_flag( "--echo", options->echo, "Send every datagram back" );
     CLI::Option *rtp = command->add_flag( "--rtp", options->rtp, "Open an even port for RTP and the next for RTCP" );
-    command->add_option( "--group", options->group, "Receive this multicast group" )
-        ->type_name( "ADDRESS" )
-        ->excludes( echo )
-        ->excludes( rtp );
+    CLI::Option *group = command->add_option( "--group", options->group, "Receive this multicast group" );
+    group->type_name( "ADDRESS" )->excludes( echo )->excludes( rtp );
     command->add_option( "--count", options->count, "End after so many datagrams" )
         ->type_name( "N" )
         ->check( quiet( CLI::Range( 1, 1'000'000'000 ) ) );
@@ -285,6 +219,10 @@ void addUdpReceive( CLI::App &udp, Context &context )
         ->check( quiet( CLI::Range( 0, 2'000'000'000 ) ) );
     addStackOptions( *command, options->stack );
     addQosOptions( *command, options->qos );
+    command->get_option( "--ports" )->excludes( port );
+    // A group is received on its own address and port, and sends nothing that could be marked.
+    for ( const char *other : { "--address", "--ports", "--from-stack", "--qos", "--tos" } )
+        group->excludes( command->get_option( other ) );
     command->callback(
         [&context, options] { context.run = [&context, options] { return receive( context.output, *options ); }; } );
 }

@@ -12,12 +12,15 @@
 #include "in/udp/in_udp_flags.h"
 #include "in/udp/in_udp_packet.h"
 #include "pb/pb_buffer.h"
-#include "pb/pb_file.h"
+#include "pb/pb_fd.hpp"
 
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
 #include <fmt/format.h>
-
 #include <memory>
 #include <optional>
+#include <unistd.h>
 
 namespace inctl {
 namespace {
@@ -41,18 +44,45 @@ struct SendOptions {
     QosChoice qos;
 };
 
-pb::Ref<struct pbBuffer> payloadOf( const SendOptions &options )
+// Reads no more than tells that the file is too long: it may be endless.
+std::string readFile( const std::string &path, pbInt maximum )
 {
-    if ( !options.file.empty() ) {
-        if ( auto content = pb::adopt( pbFileTryReadAllCstr( options.file.c_str() ) ) )
-            return content;
-        throw Failure{ Exit::System, fmt::format( "{} cannot be read", options.file ) };
+    const pb::Fd file( open( path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY ) );
+    std::string bytes( static_cast<size_t>( maximum ), '\0' );
+    size_t length = 0;
+    while ( length < bytes.size() ) {
+        const ssize_t count = file ? read( file.get(), &bytes[length], bytes.size() - length ) : -1;
+        if ( count < 0 )
+            throw Failure{ Exit::System, fmt::format( "{} cannot be read: {}", path, std::strerror( errno ) ) };
+        if ( count == 0 )
+            break;
+        length += static_cast<size_t>( count );
     }
+    bytes.resize( length );
+    return bytes;
+}
+
+std::string payloadBytes( const SendOptions &options, pbInt largest )
+{
+    if ( !options.file.empty() )
+        return readFile( options.file, largest + 1 );
     std::string bytes = options.text.value_or( "" );
     if ( options.size ) // counting bytes, so that a receiver sees what is missing
         for ( pbInt i = 0; i < *options.size; ++i )
             bytes.push_back( static_cast<char>( i ) );
-    return pb::adopt( pbBufferCreateFromBytes( bytes.data(), static_cast<pbInt>( bytes.size() ) ) );
+    return bytes;
+}
+
+pb::Ref<struct pbBuffer> payloadOf( const SendOptions &options, const pb::Ref<struct inAddress> &destination )
+{
+    const pbInt largest = inAddressIsV4( destination.get() ) ? largestV4 : largestV6;
+    const std::string bytes = payloadBytes( options, largest );
+    const pbInt length = static_cast<pbInt>( bytes.size() );
+    if ( length > largest )
+        throw Failure{ Exit::Usage,
+                       fmt::format( "a datagram to {} carries at most {} bytes, not {}{}", text( destination ), largest,
+                                    length, options.file.empty() ? "" : " or more" ) };
+    return pb::adopt( pbBufferCreateFromBytes( bytes.data(), length ) );
 }
 
 // Sends what the options say and keeps count.
@@ -60,16 +90,12 @@ class Sender {
 public:
     Sender( Output &output, const SendOptions &options )
         : output_( output ), options_( options ), remote_( parseEndpoint( options.destination ) ),
-          payload_( payloadOf( options ) ), address_( pb::adopt( inUdpAddressAddress( remote_.get() ) ) ),
+          address_( pb::adopt( inUdpAddressAddress( remote_.get() ) ) ), payload_( payloadOf( options, address_ ) ),
           stack_( options.stack, address_.get() ), qos_( options.qos.stack() ),
           channel_(
               openChannel( stack_.get(), qos_.get(), options.port, options.waitReply ? 0 : IN_UDP_FLAG_NO_RECEIVE ) ),
           local_( pb::adopt( inUdpChannelLocalAddress( channel_.get() ) ) )
     {
-        const pbInt largest = inAddressIsV4( address_.get() ) ? largestV4 : largestV6;
-        if ( pbBufferLength( payload_.get() ) > largest )
-            throw Failure{ Exit::Usage, fmt::format( "a datagram to {} carries at most {} bytes, not {}",
-                                                     text( address_ ), largest, pbBufferLength( payload_.get() ) ) };
         inUdpChannelReceiveAddAlertable( channel_.get(), waiter_.alertable() );
     }
     ~Sender() { inUdpChannelReceiveDelAlertable( channel_.get(), waiter_.alertable() ); }
@@ -178,13 +204,13 @@ private:
     Output &output_;
     const SendOptions &options_;
     const pb::Ref<struct inUdpAddress> remote_;
-    const pb::Ref<struct pbBuffer> payload_;
     const pb::Ref<struct inAddress> address_;
+    const pb::Ref<struct pbBuffer> payload_;
     const ChosenStack stack_;
     const pb::Ref<struct inQosStack> qos_;
     const pb::Ref<struct inUdpChannel> channel_;
     const pb::Ref<struct inUdpAddress> local_;
-    Waiter waiter_;
+    Waiter waiter_; // behind what may take long to find out, during which a signal ends the program at once
     Waiter::Clock::time_point sentAt_;
     pbInt sent_ = 0;
     pbInt replies_ = 0;
@@ -224,11 +250,11 @@ void addUdpSend( CLI::App &udp, Context &context )
     command->add_option( "--wait-reply", options->waitReply, "Wait so many milliseconds for a reply to each" )
         ->type_name( "MS" )
         ->check( quiet( CLI::Range( 0, 86'400'000 ) ) );
-    command->add_option( "--port", options->port, "Send from this local port" )
-        ->type_name( "PORT" )
-        ->check( quiet( CLI::Range( 1, 65535 ) ) );
+    CLI::Option *port = command->add_option( "--port", options->port, "Send from this local port" );
+    port->type_name( "PORT" )->check( quiet( CLI::Range( 1, 65535 ) ) );
     addStackOptions( *command, options->stack );
     addQosOptions( *command, options->qos );
+    command->get_option( "--ports" )->excludes( port );
     command->callback(
         [&context, options] { context.run = [&context, options] { return send( context.output, *options ); }; } );
 }

@@ -1,6 +1,8 @@
 // Sends datagrams from one channel to another and back, one at a time, and measures what happens to them.
 #include "inctl/exchange.hpp"
 
+#include "inctl/signals_blocked.hpp"
+
 #include "in/udp/in_udp_address.h"
 #include "in/udp/in_udp_packet.h"
 #include "pb/pb_barrier.h"
@@ -50,9 +52,7 @@ private:
 // Sends everything back that reaches the channel.
 class Echo {
 public:
-    explicit Echo( struct inUdpChannel *channel ) : channel_( channel ), gate_( channel ), thread_( [this] { run(); } )
-    {
-    }
+    explicit Echo( struct inUdpChannel *channel ) : channel_( channel ), gate_( channel ), thread_( start() ) {}
     ~Echo()
     {
         stop_ = true;
@@ -61,6 +61,11 @@ public:
     }
 
 private:
+    std::thread start()
+    {
+        const SignalsBlocked blocked;
+        return std::thread( [this] { run(); } );
+    }
     void run()
     {
         while ( !stop_ ) {

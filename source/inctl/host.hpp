@@ -14,7 +14,7 @@ std::span<const struct pbModule *const> modules();
 
 class Host {
 public:
-    // Once per process, after blockStopSignals(). Throws Failure.
+    // Once per process. Throws Failure.
     Host();
     // Every channel and stack must be gone: the library's I/O threads insist on it.
     ~Host();

@@ -161,11 +161,11 @@ int main( int argumentCount, char **arguments )
 {
     // Only characters: numbers are printed the same everywhere.
     std::setlocale( LC_CTYPE, "" );
-    inctl::blockStopSignals();
+    inctl::resetSignals();
     try {
         return static_cast<int>( inctl::run( argumentCount, arguments ) );
     } catch ( const std::exception &error ) {
-        fmt::print( stderr, "inctl: {}\n", error.what() );
+        (void)std::fprintf( stderr, "inctl: %s\n", error.what() ); // nowhere else to say it
         return static_cast<int>( inctl::Exit::System );
     }
 }

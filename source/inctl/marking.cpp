@@ -37,8 +37,8 @@ std::optional<int> descriptorOf( const SocketAddress &address )
     std::error_code error;
     for ( const auto &entry : std::filesystem::directory_iterator( "/proc/self/fd", error ) ) {
         const std::string name = entry.path().filename();
-        int descriptor = -1;
-        std::from_chars( name.data(), name.data() + name.size(), descriptor );
+        int descriptor = -1; // stays so where the name is no number, and has no options then
+        (void)std::from_chars( name.data(), name.data() + name.size(), descriptor );
         sockaddr_storage bound{};
         socklen_t length = sizeof bound;
         if ( option( descriptor, SOL_SOCKET, SO_TYPE ) == SOCK_DGRAM &&
@@ -62,7 +62,8 @@ std::optional<int> tosOfNext( int descriptor )
     message.msg_iovlen = 1;
     message.msg_control = control;
     message.msg_controllen = sizeof control;
-    if ( recvmsg( descriptor, &message, 0 ) < 0 )
+    // A datagram that poll has seen may be dropped for its checksum when it is read (poll(2)).
+    if ( recvmsg( descriptor, &message, MSG_DONTWAIT ) < 0 )
         return std::nullopt;
     for ( cmsghdr *header = CMSG_FIRSTHDR( &message ); header; header = CMSG_NXTHDR( &message, header ) ) {
         if ( header->cmsg_level == IPPROTO_IP && header->cmsg_type == IP_TOS ) // one byte, ip(7)
@@ -82,8 +83,9 @@ std::optional<int> receivedTos( struct inUdpChannel *channel, const struct inAdd
     SocketAddress beside( address, 0 );
     const PlainSocket receiver( beside );
     const int on = 1;
-    setsockopt( receiver.descriptor(), beside.isV4() ? IPPROTO_IP : IPPROTO_IPV6,
-                beside.isV4() ? IP_RECVTOS : IPV6_RECVTCLASS, &on, sizeof on );
+    // Where the system refuses it the datagram comes without the byte, which is then unknown.
+    (void)setsockopt( receiver.descriptor(), beside.isV4() ? IPPROTO_IP : IPPROTO_IPV6,
+                      beside.isV4() ? IP_RECVTOS : IPV6_RECVTCLASS, &on, sizeof on );
     if ( bind( receiver.descriptor(), beside.get(), beside.length ) != 0 ||
          getsockname( receiver.descriptor(), beside.get(), &beside.length ) != 0 )
         return std::nullopt;

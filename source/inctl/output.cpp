@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <stdio_ext.h>
 #include <unistd.h>
 
 namespace inctl {
@@ -57,10 +58,14 @@ std::string Output::paint( Paint paint, std::string_view text ) const
 
 void Output::write( std::string_view text )
 {
+    if ( broken_ )
+        return;
     // Flushed line by line: the output is followed live, by people and by scripts.
     if ( std::fwrite( text.data(), 1, text.size(), stdout ) != text.size() || std::fputc( '\n', stdout ) == EOF ||
-         std::fflush( stdout ) != 0 )
+         std::fflush( stdout ) != 0 ) {
         broken_ = true;
+        __fpurge( stdout ); // else the end of the program would try once more, and might block
+    }
 }
 
 void Output::line( std::string_view text )

@@ -50,6 +50,7 @@ constexpr csKey recordKeys[] = {
     text( "value" ),
     text( "payload" ),
     store( "state", stateKeys ),
+    store( "store", stateKeys ), // of a trace; see storeText
     array( "interfaces", interfaceEntry ),
     array( "modules", moduleEntry ),
     array( "objects", objectEntry ),
@@ -63,6 +64,12 @@ std::string jsonText( const Record &record, pbInt style )
 {
     return pb::utf8(
         pb::adopt( csJsonFromStoreWithKeys( record.store(), style, recordKeys, PB_SIZEOF_ARRAY( recordKeys ) ) ) );
+}
+
+std::string storeText( const struct pbStore *store )
+{
+    return pb::utf8(
+        pb::adopt( csJsonFromStoreWithKeys( store, CS_JSON_SHORT, stateKeys, PB_SIZEOF_ARRAY( stateKeys ) ) ) );
 }
 
 } // namespace inctl

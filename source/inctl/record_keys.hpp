@@ -14,6 +14,10 @@ namespace inctl {
 // style: CS_JSON_SHORT or CS_JSON_PRETTY
 std::string jsonText( const Record &record, pbInt style );
 
+// A store that the library traces, on one line. Of those only the states of interfaces have keys that may be empty
+// arrays.
+std::string storeText( const struct pbStore *store );
+
 } // namespace inctl
 
 #endif

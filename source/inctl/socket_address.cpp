@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <netinet/in.h>
-#include <unistd.h>
 
 namespace inctl {
 
@@ -37,12 +36,6 @@ pbInt SocketAddress::port() const
 PlainSocket::PlainSocket( const SocketAddress &address )
     : descriptor_( socket( address.storage.ss_family, SOCK_DGRAM | SOCK_CLOEXEC, 0 ) )
 {
-}
-
-PlainSocket::~PlainSocket()
-{
-    if ( descriptor_ >= 0 )
-        close( descriptor_ );
 }
 
 } // namespace inctl

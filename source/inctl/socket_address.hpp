@@ -3,6 +3,7 @@
 #define INCTL_SOCKET_ADDRESS_HPP
 
 #include "pb/pb_base.h"
+#include "pb/pb_fd.hpp"
 
 #include <sys/socket.h>
 
@@ -27,14 +28,11 @@ struct SocketAddress {
 class PlainSocket {
 public:
     explicit PlainSocket( const SocketAddress &address );
-    ~PlainSocket();
-    PlainSocket( const PlainSocket & ) = delete;
-    PlainSocket &operator=( const PlainSocket & ) = delete;
 
-    int descriptor() const { return descriptor_; }
+    int descriptor() const { return descriptor_.get(); }
 
 private:
-    int descriptor_;
+    pb::Fd descriptor_;
 };
 
 } // namespace inctl

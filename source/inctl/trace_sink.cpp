@@ -5,6 +5,7 @@
 #include "inctl/help_formatter.hpp"
 #include "inctl/preview.hpp"
 #include "inctl/record_keys.hpp"
+#include "inctl/signals_blocked.hpp"
 
 #include "pb/pb_buffer.h"
 #include "pb/pb_string.hpp"
@@ -32,11 +33,6 @@ std::string timeText( pbInt nanoseconds )
     return fmt::format( "{:%Y-%m-%dT%H:%M:%S}.{:06}Z",
                         fmt::gmtime( static_cast<time_t>( nanoseconds / 1'000'000'000 ) ),
                         nanoseconds % 1'000'000'000 / 1000 );
-}
-
-std::string json( const struct pbStore *store )
-{
-    return pb::utf8( pb::adopt( csJsonFromStore( store, CS_JSON_SHORT ) ) );
 }
 
 std::string jsonLine( const struct trEvent &event )
@@ -69,10 +65,10 @@ std::string traceText( const struct trEvent &event )
     case TR_EVENT_PROPERTY:
         return fmt::format( "{} = {}", pb::utf8( event.key ),
                             event.value   ? pb::utf8( event.value )
-                            : event.store ? json( event.store )
+                            : event.store ? storeText( event.store )
                                           : "(gone)" );
     case TR_EVENT_CONFIGURATION:
-        return fmt::format( "configuration {}", event.store ? json( event.store ) : "{}" );
+        return fmt::format( "configuration {}", event.store ? storeText( event.store ) : "{}" );
     case TR_EVENT_NOTABLE:
         return fmt::format( "notable {}", event.value ? pb::utf8( event.value ) : "" );
     case TR_EVENT_LINKED:
@@ -100,6 +96,7 @@ TraceSink::TraceSink( const TraceChoice &choice ) : json_( choice.format == "jso
             sink = std::make_shared<spdlog::sinks::stderr_sink_st>();
         else
             sink = std::make_shared<spdlog::sinks::basic_file_sink_st>( choice.target );
+        const SignalsBlocked blocked;
         thread_ = std::make_shared<spdlog::details::thread_pool>( queuedLines, 1 );
     } catch ( const spdlog::spdlog_ex &error ) {
         throw Failure{ Exit::System, fmt::format( "--trace: {}", error.what() ) };

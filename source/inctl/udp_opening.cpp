@@ -35,8 +35,8 @@ int probe( const struct inAddress *address, pbInt port, const std::string *inter
     if ( probed.descriptor() < 0 )
         return errno;
     const int on = 1;
-    if ( interface )
-        setsockopt( probed.descriptor(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on );
+    if ( interface ) // should it fail, bind says why
+        (void)setsockopt( probed.descriptor(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on );
     if ( bind( probed.descriptor(), local.get(), local.length ) != 0 )
         return errno;
     if ( !interface )

@@ -1,10 +1,13 @@
-// Waiter: a signalfd for SIGINT and SIGTERM, an eventfd that the library's signals and alerts write, and poll() on
-// both.
+// Waiter: an eventfd that the library's signals and alerts write, and the handler of SIGINT and SIGTERM, and poll() on
+// it.
 #include "inctl/waiter.hpp"
 
 #include "inctl/exit_code.hpp"
 
+#include "pb/pb_fd.hpp"
+
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -12,7 +15,6 @@
 #include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 PB_SORT_DECLARE( inctl___sort_INCTL_WAKE )
@@ -20,68 +22,97 @@ PB_SORT_DECLARE( inctl___sort_INCTL_WAKE )
 namespace inctl {
 namespace {
 
-sigset_t stopSignals()
-{
-    sigset_t set;
-    sigemptyset( &set );
-    sigaddset( &set, SIGINT );
-    sigaddset( &set, SIGTERM );
-    return set;
-}
+constexpr unsigned closingSeconds = 10;
+
+// What the handler uses; it may use lock-free atomics only ([support.signal]).
+std::atomic<int> stopSignal = 0; // the one that has come; once requested, it stays so
+std::atomic<int> wakeDescriptor = -1;
+static_assert( std::atomic<int>::is_always_lock_free );
 
 [[noreturn]] void refuse( const char *call )
 {
     throw Failure{ Exit::System, fmt::format( "{}: {}", call, std::strerror( errno ) ) };
 }
 
+void write1( int descriptor )
+{
+    const uint64_t one = 1;
+    // The count can only be full while a wake is pending anyway.
+    [[maybe_unused]] const ssize_t ignored = write( descriptor, &one, sizeof one );
+}
+
+// The results of setting a handler are of no use: it fails for wrong numbers of signals only.
+void setStopHandler( void ( *handler )( int ) )
+{
+    struct sigaction action{};
+    action.sa_handler = handler;
+    // Without SA_RESTART, so that a blocked write to the output gives up. Neither interrupts the other's handler.
+    sigemptyset( &action.sa_mask );
+    sigaddset( &action.sa_mask, SIGINT );
+    sigaddset( &action.sa_mask, SIGTERM );
+    (void)sigaction( SIGINT, &action, nullptr );
+    (void)sigaction( SIGTERM, &action, nullptr );
+}
+
+extern "C" void inctlTakeStop( int number )
+{
+    const int error = errno;
+    stopSignal = number;
+    setStopHandler( SIG_DFL );
+    (void)alarm( closingSeconds ); // no other alarm is ever set
+    write1( wakeDescriptor );
+    errno = error;
+}
+
+// Ends the program in the way of the signal that asked for it.
+extern "C" void inctlEndLate( int )
+{
+    (void)raise( stopSignal );
+}
+
 } // namespace
 
 // An object, because signalables keep what they wake: the descriptor lives until the last of them is gone.
 struct Wake final : pb::Object<Wake, inctl___sort_INCTL_WAKE> {
-    const int descriptor = eventfd( 0, EFD_CLOEXEC | EFD_NONBLOCK );
+    const pb::Fd descriptor{ eventfd( 0, EFD_CLOEXEC | EFD_NONBLOCK ) };
 
-    ~Wake()
-    {
-        if ( descriptor >= 0 )
-            close( descriptor );
-    }
-
-    static void wake( pbObj *target )
-    {
-        const uint64_t one = 1;
-        // The count can only be full while a wake is pending anyway.
-        [[maybe_unused]] const ssize_t ignored = write( static_cast<Wake *>( target )->descriptor, &one, sizeof one );
-    }
+    static void wake( pbObj *target ) { write1( static_cast<Wake *>( target )->descriptor.get() ); }
 };
 
-void blockStopSignals()
+void resetSignals()
 {
-    const sigset_t set = stopSignals();
-    pthread_sigmask( SIG_BLOCK, &set, nullptr );
+    setStopHandler( SIG_DFL );
+    struct sigaction late{};
+    late.sa_handler = inctlEndLate;
+    sigemptyset( &late.sa_mask );
+    (void)sigaction( SIGALRM, &late, nullptr );
+    sigset_t taken;
+    sigemptyset( &taken );
+    for ( const int number : { SIGINT, SIGTERM, SIGALRM } )
+        sigaddset( &taken, number );
+    (void)pthread_sigmask( SIG_UNBLOCK, &taken, nullptr );
     // A reader that goes away is seen as a failed write; the library's sockets never raise it.
-    std::signal( SIGPIPE, SIG_IGN );
+    (void)std::signal( SIGPIPE, SIG_IGN );
 }
 
 Waiter::Waiter() : wake_( pb::make<Wake>() )
 {
-    if ( wake_->descriptor < 0 )
+    if ( !wake_->descriptor )
         refuse( "eventfd()" );
-    const sigset_t set = stopSignals();
-    signals_ = signalfd( -1, &set, SFD_CLOEXEC | SFD_NONBLOCK );
-    if ( signals_ < 0 )
-        refuse( "signalfd()" );
     signalable_ = pb::adopt( pb___SignalableCreate( Wake::wake, wake_.get() ) );
     alertable_ = pb::adopt( pb___AlertableCreate( Wake::wake, wake_.get() ) );
+    wakeDescriptor = wake_->descriptor.get();
+    setStopHandler( inctlTakeStop );
 }
 
 Waiter::~Waiter()
 {
-    close( signals_ );
+    setStopHandler( SIG_DFL );
 }
 
 Waiter::Woken Waiter::wait( std::optional<Clock::time_point> deadline )
 {
-    if ( stopRequested() )
+    if ( stopSignal )
         return Woken::Stop;
     for ( ;; ) {
         int timeout = -1;
@@ -90,13 +121,13 @@ Waiter::Woken Waiter::wait( std::optional<Clock::time_point> deadline )
             const auto left = std::chrono::ceil<std::chrono::milliseconds>( *deadline - Clock::now() ).count();
             timeout = static_cast<int>( std::clamp<int64_t>( left, 0, 3'600'000 ) );
         }
-        pollfd polled[] = { { signals_, POLLIN, 0 }, { wake_->descriptor, POLLIN, 0 } };
-        if ( poll( polled, 2, timeout ) < 0 && errno != EINTR )
+        pollfd polled{ wake_->descriptor.get(), POLLIN, 0 };
+        if ( poll( &polled, 1, timeout ) < 0 && errno != EINTR )
             refuse( "poll()" );
-        if ( stopRequested() )
+        if ( stopSignal )
             return Woken::Stop;
         uint64_t count;
-        if ( read( wake_->descriptor, &count, sizeof count ) > 0 )
+        if ( read( wake_->descriptor.get(), &count, sizeof count ) > 0 )
             return Woken::Library;
         if ( deadline && Clock::now() >= *deadline )
             return Woken::Time;
@@ -105,17 +136,9 @@ Waiter::Woken Waiter::wait( std::optional<Clock::time_point> deadline )
 
 Waiter::Woken Waiter::look( std::optional<Clock::time_point> deadline )
 {
-    if ( stopRequested() )
+    if ( stopSignal )
         return Woken::Stop;
     return deadline && Clock::now() >= *deadline ? Woken::Time : Woken::Library;
-}
-
-bool Waiter::stopRequested()
-{
-    signalfd_siginfo info;
-    if ( read( signals_, &info, sizeof info ) > 0 )
-        stopped_ = true;
-    return stopped_;
 }
 
 } // namespace inctl

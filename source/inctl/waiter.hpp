@@ -10,18 +10,21 @@
 
 namespace inctl {
 
-// To be called before any thread starts, so that every thread inherits the mask and only a Waiter sees the signals.
-void blockStopSignals();
+// SIGINT and SIGTERM end the program at once, whatever it inherited, until a Waiter takes them. To be called first.
+void resetSignals();
 
 struct Wake; // what a wake writes to
 
+// As long as one lives the first SIGINT or SIGTERM is a request to close down. It interrupts what the main thread is
+// blocked in. Another one ends the program at once, and so does time when closing down takes too long: something,
+// such as a pipe that nobody reads, may hold it. The threads of the program leave the signals to the main thread.
 class Waiter {
 public:
     using Clock = std::chrono::steady_clock;
 
     enum class Woken { Library, Stop, Time };
 
-    // blockStopSignals() has been called. Throws Failure when the system refuses a descriptor.
+    // One at a time, on the main thread. Throws Failure when the system refuses a descriptor.
     Waiter();
     ~Waiter();
     Waiter( const Waiter & ) = delete;
@@ -37,10 +40,6 @@ public:
     Woken look( std::optional<Clock::time_point> deadline );
 
 private:
-    bool stopRequested();
-
-    int signals_ = -1;
-    bool stopped_ = false; // once requested, it stays so
     pb::Ref<Wake> wake_;
     pb::Ref<struct pbSignalable> signalable_;
     pb::Ref<struct pbAlertable> alertable_;

@@ -27,6 +27,17 @@ load common
     expect 2 'needs --port' udp receive --group 239.1.2.3
     expect 2 'no multicast address' udp receive --group 10.0.0.1 --port 5004
     expect 2 'even' udp receive --rtp --port 5005
+    local other
+    for other in '--address 127.0.0.1' '--ports 20-30' '--from-stack a:b' '--qos voice' '--tos 0'; do
+        expect 2 'excludes|exclude' udp receive --group 239.1.2.3 --port 5004 $other
+    done
+    expect 2 'excludes|exclude' udp receive --rtp --port 5004 --ports 20-30
+    expect 2 'excludes|exclude' udp send 127.0.0.1:9 text --port 5004 --ports 20-30
+    expect 2 'not both' udp receive --rtp --port 5004 --from-stack "$EXAMPLES/tour.json:loopback"
+    expect 2 'at most 65507 bytes' udp send 127.0.0.1:9 --file /dev/zero
+    for other in nan -1 2e9 inf 1s; do
+        expect 2 'not a number of seconds' run "$EXAMPLES/tour.json" --for "$other"
+    done
     expect 2 'FILE:OBJECT' udp receive --from-stack "$EXAMPLES/sip.json"
     expect 2 'fax' udp send 127.0.0.1:9 text --qos fax
 }

@@ -28,6 +28,8 @@ refused() {
         '2:3: error: a\.adress: ' '3:[0-9]+: error: a\.addressVersion: ' '4:[0-9]+: error: a\.udpOptions\.portRange\.firstPort: '
     run "$INCTL" run "$BATS_TEST_TMPDIR/none.json"
     [ "$status" -eq 3 ]
+    mkfifo "$BATS_TEST_TMPDIR/pipe"
+    expect 3 'pipe:1:1: error: cannot be read \(not a regular file\)' run "$BATS_TEST_TMPDIR/pipe"
 }
 
 @test "the examples run and end on SIGINT, SIGTERM and by time" {
@@ -43,11 +45,34 @@ refused() {
         run "$EXAMPLES/tour.json" --for 0.1 --json
 }
 
+# Returns when the program that was started waits in the system for something.
+asleep() {
+    until grep -q '^State:.S' "/proc/$started/status"; do sleep 0.01; done
+}
+
+@test "SIGTERM ends the program while nobody opens its trace, and while nobody reads its output" {
+    local pipe="$BATS_TEST_TMPDIR/pipe"
+    mkfifo "$pipe"
+    start run "$EXAMPLES/tour.json" --trace="$pipe"
+    asleep
+    finish TERM 143
+    exec 4<>"$pipe"
+    "$INCTL" udp send 127.0.0.1:9 x --count 1000000 --interval 0 >"$pipe" 2>"$log" 3>&- &
+    started=$!
+    # Full, once it takes not one byte more.
+    while dd if=/dev/zero of="$pipe" bs=1 count=1 conv=notrunc oflag=nonblock 2>/dev/null; do sleep 0.01; done
+    asleep
+    finish TERM 0
+    exec 4>&-
+}
+
 @test "traces go to a file, as text or JSON" {
     local trace="$BATS_TEST_TMPDIR/trace"
     expect 0 ending run "$EXAMPLES/tour.json" --for 0 --trace="$trace.json" --trace-format json
     jq -es 'any(.[]; .name == "IN_STACK" and .event == "property" or .event == "configuration")' "$trace.json"
     expect 0 ending run "$EXAMPLES/tour.json" --for 0 --trace="$trace.txt"
+    grep -Eq '"displayName": "lo", .*"layer2Addresses": \[\]' "$trace.txt"
+    jq -es '[.[].store? | select(.displayName? == "lo").layer2Addresses] | length > 0 and all(. == [])' "$trace.json"
     grep -Eq '^[0-9T:.-]+Z IN_STACK#[0-9]+  \[in___StackImpHalt\(\)\]' "$trace.txt"
     expect 0 'IN_STACK#' run "$EXAMPLES/tour.json" --for 0 --trace
     expect 5 'trace' run "$EXAMPLES/tour.json" --for 0 --trace="$BATS_TEST_TMPDIR"
