@@ -72,6 +72,28 @@ TEST( UdpStress, ChannelsComeTalkAndGo )
     std::printf( "creations: %d, packets received: %d\n", creations.load(), received.load() );
 }
 
+// Without the port selection above, which serialises creation and destruction: a descriptor number goes to another thread
+// the moment it is closed.
+TEST( UdpStress, SocketsChangeHandsBelowThePortSelection )
+{
+    constexpr int threadCount = 8, rounds = 4000;
+    UdpBackend backend;
+    const auto address = pb::adopt( inAddressTryCreateFromCstr( "127.3.0.2", -1 ) );
+    std::vector<std::thread> threads;
+    for ( int thread = 0; thread < threadCount; ++thread )
+        threads.emplace_back( [&] {
+            for ( int round = 0; round < rounds; ++round ) {
+                const pbInt chan = in___ImpUdpChannelTryAllocate( address.get(), IN_UDP_PORT_INVALID, 0, nullptr, nullptr );
+                ASSERT_NE( chan, IN___IMP_UDP_CHANNEL_INVALID );
+                const auto local = pb::adopt( in___ImpUdpChannelLocalAddress( chan ) );
+                in___ImpUdpChannelSendBytes( chan, local.get(), "self", 4 ); // an event for whoever holds the number
+                in___ImpUdpChannelRelease( chan ).reset();
+            }
+        } );
+    for ( auto &thread : threads )
+        thread.join();
+}
+
 TEST( UdpStress, TheTableIsFullAtItsSize )
 {
     constexpr size_t size = 16384;
