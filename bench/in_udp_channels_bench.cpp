@@ -35,15 +35,19 @@ void createDestroy( benchmark::State &state )
 }
 BENCHMARK( createDestroy )->Arg( 10 )->Arg( 1000 )->Arg( 16000 )->Unit( benchmark::kMicrosecond );
 
-// What the system itself takes for a bound socket that epoll watches.
+// What the system itself takes for a bound socket while others hold as many ports.
 void bareSocket( benchmark::State &state )
 {
-    for ( auto _ : state ) {
-        sockaddr_in address;
+    sockaddr_in address;
+    std::vector<int> held;
+    for ( long i = 0; i < state.range( 0 ); ++i )
+        held.push_back( bench::openSocket( &address ) );
+    for ( auto _ : state )
         close( bench::openSocket( &address ) );
-    }
+    for ( const int fd : held )
+        close( fd );
 }
-BENCHMARK( bareSocket )->Unit( benchmark::kMicrosecond );
+BENCHMARK( bareSocket )->Arg( 10 )->Arg( 1000 )->Arg( 16000 )->Unit( benchmark::kMicrosecond );
 
 } // namespace
 
@@ -57,5 +61,7 @@ int main( int argumentCount, char **arguments )
     return bench::run( argumentCount, arguments,
                        { { "createDestroy/1000", "createDestroy/10", 1.25, "" },
                          { "createDestroy/16000", "createDestroy/10", 1.25, "" },
-                         { "createDestroy/10", "bareSocket", 0, "" } } );
+                         { "bareSocket/16000", "bareSocket/10", 0, "" },
+                         { "createDestroy/10", "bareSocket/10", 0, "" },
+                         { "createDestroy/16000", "bareSocket/16000", 0, "" } } );
 }
