@@ -1,26 +1,12 @@
 // The module of the RFC codec library: nothing to start and nothing to stop.
 #include "rfc/rfc_module.h"
 
+#include "pb/pb_idle_module.hpp"
+
 namespace {
 
-constexpr pbModuleRecord record = {
-    .name = "rfc",
-    .description = "RFC codecs",
-    .version = "17.1",
-    .requiredModules = "pb",
-    .productName = "Internetworking",
-    .productVersion = { 17, 1, 0 },
-    .buildTime = "",
-    .vendor = "",
-};
-constexpr pbModule module = {
-    .record = &record,
-    .startup = [] { return pbBool{ 1 }; },
-    .reserved = nullptr,
-    .shutdown = [] {},
-    .shutdownWait = [] {},
-    .personality = nullptr,
-};
+constexpr pbModuleRecord record = pb::idleModuleRecord( "rfc", "RFC codecs" );
+constexpr pbModule module = pb::idleModule( &record );
 
 } // namespace
 

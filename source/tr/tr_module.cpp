@@ -1,26 +1,12 @@
 // The module of the trace library: nothing to start and nothing to stop.
 #include "tr/tr_module.h"
 
+#include "pb/pb_idle_module.hpp"
+
 namespace {
 
-constexpr pbModuleRecord record = {
-    .name = "tr",
-    .description = "Trace streams",
-    .version = "17.1",
-    .requiredModules = "pb",
-    .productName = "Internetworking",
-    .productVersion = { 17, 1, 0 },
-    .buildTime = "",
-    .vendor = "",
-};
-constexpr pbModule module = {
-    .record = &record,
-    .startup = [] { return pbBool{ 1 }; },
-    .reserved = nullptr,
-    .shutdown = [] {},
-    .shutdownWait = [] {},
-    .personality = nullptr,
-};
+constexpr pbModuleRecord record = pb::idleModuleRecord( "tr", "Trace streams" );
+constexpr pbModule module = pb::idleModule( &record );
 
 } // namespace
 
