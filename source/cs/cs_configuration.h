@@ -1,6 +1,14 @@
 // The loaded configuration: named records of sort and store, each with a live object once started.
 // A file is JSON with // and /* */ comments: {"objects": {NAME: {"sort": "IN_STACK", "config": {...}}}}; "config" may
-// be left out. Objects become stores, arrays store arrays; numbers and booleans their text as written.
+// be left out. Objects become stores, arrays store arrays; numbers and booleans their text as written. Beside "objects"
+// a file that was saved has {"modules": {NAME: {"version": "17.1", "info": {...}}}}: which version of each module wrote
+// it, and what the module told of the host. Where "modules" is missing the file counts as never brought up to date.
+//
+// Loading runs the registered updates (cs_update_backend.h) on what the file says and checks what they make of it; the
+// file itself is left alone until it is saved.
+//
+// Threads: any. Start, Stop, Apply, TryReload, TrySave and Tree of one configuration wait for each other; they call
+// into the sorts without a monitor held, and none of them may be called from inside a callback of a sort.
 #ifndef CS_CONFIGURATION_H
 #define CS_CONFIGURATION_H
 
@@ -10,6 +18,7 @@ PB_DECLS_BEGIN
 
 struct csConfiguration;
 struct csStatusReporter;
+struct pbSignalable;
 struct pbSort;
 struct pbStore;
 struct pbString;
@@ -40,7 +49,49 @@ PB_API void csConfigurationStart( struct csConfiguration *configuration );
 // Releases them, in reverse order; once started it must be stopped before the module backends go.
 PB_API void csConfigurationStop( struct csConfiguration *configuration );
 
-// Records in the order of the file, index 0..length - 1.
+// What applying another configuration did to a record; see csConfigurationApply.
+#define CS_CONFIGURATION_CREATED "created"       // the record is new, or its object could not be created before
+#define CS_CONFIGURATION_CONFIGURED "configured" // its object was given the new configuration
+#define CS_CONFIGURATION_REPLACED "replaced" // another sort: the object was released and one of the new sort created
+#define CS_CONFIGURATION_REMOVED "removed"   // the record is gone, and its object released
+#define CS_CONFIGURATION_FAILED "failed"     // its object could not be created; it is tried again next time
+
+// Makes a configuration, running or not, what another one says; that is parsed and stopped, and stays as it is.
+// A record that says the same as before (by its sort's normalised form, so that order and explicit defaults do not
+// matter) keeps its object untouched, with what was set on it at run time. First what is removed or replaced is
+// released, in reverse order, then the rest is configured or created in the order of the new file. *optionalChanges,
+// when asked for, becomes a vector of pbStores { "name", "sort", "change" (above) } of the records that were touched,
+// removed ones first; what it held before is released. While stopped nothing is touched and it is empty.
+PB_API void csConfigurationApply( struct csConfiguration *configuration, const struct csConfiguration *next,
+                                  struct pbVector **optionalChanges );
+// Loads the file and applies it. False when anything is wrong with the file: everything stays as it was, *problems is
+// as after csConfigurationTryLoad and *optionalChanges is untouched.
+PB_API pbBool csConfigurationTryReload( struct csConfiguration *configuration, const struct pbString *path,
+                                        struct pbVector **problems, struct pbVector **optionalChanges );
+
+// The whole stored tree as it is now: "objects" with the configuration of every record, what was set at run time
+// included, and "modules" with versions and information (see above).
+PB_API struct pbStore *csConfigurationTree( struct csConfiguration *configuration );
+// Writes that tree to the file, which at any moment holds the old or the new text whole: a temporary file beside it
+// (".NAME.cs-save-XXXXXX"; leftovers of killed processes are swept up by the next save), synced and renamed. A symbolic
+// link is followed; owner and mode of the old file are kept, a new one is for its owner alone. Nothing is written when
+// no record and no version differ from what the file holds. The file that the configuration was loaded from is
+// somebody's text: only the values that differ are replaced in it, comments, order and layout stay (a value that loses
+// a key is rewritten whole, with the comments inside it). It gets the version of each module, and their information
+// only where it has one already. When the file no longer is what was loaded or saved last, nothing is written: somebody
+// edits it, and a re-load comes first. Any other file is replaced. False when it could not be saved: *problem is then
+// "PATH: what went wrong" for a person, and the old file is whole.
+PB_API pbBool csConfigurationTrySave( struct csConfiguration *configuration, const struct pbString *path,
+                                      struct pbString **problem );
+
+// Signalled when a record or its object appears, goes or is configured; register before reading.
+PB_API void csConfigurationUpdateAddSignalable( struct csConfiguration *configuration,
+                                                struct pbSignalable *signalable );
+PB_API void csConfigurationUpdateDelSignalable( struct csConfiguration *configuration,
+                                                struct pbSignalable *signalable );
+
+// Records in the order of the file, index 0..length - 1. Applying another configuration changes length and order: while
+// that may happen, read them together by csConfigurationRecords.
 PB_API pbInt csConfigurationLength( const struct csConfiguration *configuration );
 PB_API struct pbString *csConfigurationNameAt( const struct csConfiguration *configuration, pbInt index );
 PB_API struct pbString *csConfigurationSortNameAt( const struct csConfiguration *configuration, pbInt index );
@@ -53,6 +104,9 @@ PB_API struct csStatusReporter *csConfigurationStatusAt( const struct csConfigur
 // The live object of that name and sort, or null.
 PB_API struct pbObj *csConfigurationObject( const struct csConfiguration *configuration, const struct pbString *name,
                                             const struct pbSort *sort );
+// All records at one moment: a vector of csRecords in the order of the file.
+PB_API struct pbVector *csConfigurationRecords( const struct csConfiguration *configuration );
+
 // "modules" with the information of every module backend.
 PB_API struct pbStore *csConfigurationModules( void );
 // A record name: 1 to 255 letters, digits, "_", "-", "." (ASCII).
