@@ -1,7 +1,9 @@
-// Nameprep through GNU libidn, which holds the tables of Unicode 3.2 that the profile is defined over.
+// Nameprep: by look-up where that decides, else through GNU libidn, which holds the tables of Unicode 3.2 that the profile
+// is defined over.
 #include "rfc/rfc_stringprep.h"
 
 #include "pb/pb_string.hpp"
+#include "rfc/rfc_nameprep.hpp"
 
 #include <algorithm>
 #include <stringprep.h>
@@ -32,11 +34,31 @@ void restoreNuls( std::vector<uint32_t> &text, const std::vector<bool> &wasNul )
             c = 0;
 }
 
+pb::String makeString( const uint32_t *chars, size_t length )
+{
+    return pb::adopt( pbStringCreateFromChars( chars, static_cast<pbInt>( length ) ) );
+}
+
+pb::String prepareQuick( const struct pbString *string )
+{
+    const std::u32string_view source = pb::view( string );
+    std::vector<char32_t> room( rfc::nameprepQuickGrowth * source.size() );
+    const auto length = rfc::nameprepQuick( source, room.data() );
+    if ( !length )
+        return nullptr;
+    if ( source == std::u32string_view( room.data(), *length ) )
+        return pb::share( string );
+    return makeString( reinterpret_cast<const uint32_t *>( room.data() ), *length );
+}
+
 } // namespace
 
 extern "C" struct pbString *rfcStringprepProfileNameprep( const struct pbString *string, pbBool allowUnassigned )
 {
     PB_ASSERT( string );
+    if ( allowUnassigned )
+        if ( pb::String prepared = prepareQuick( string ) )
+            return prepared.release();
     const std::u32string_view source = pb::view( string );
     if ( !std::all_of( source.begin(), source.end(), []( char32_t c ) { return PB_CHAR_OK( c ); } ) )
         return nullptr; // surrogates are prohibited, and beyond U+10FFFF libidn's tables end
@@ -56,6 +78,6 @@ extern "C" struct pbString *rfcStringprepProfileNameprep( const struct pbString 
             return nullptr;
         text.resize( length );
         restoreNuls( text, wasNul );
-        return pbStringCreateFromChars( text.data(), static_cast<pbInt>( length ) );
+        return makeString( text.data(), length ).release();
     }
 }

@@ -1,0 +1,217 @@
+// Punycode (RFC 3492): sections 6.1 to 6.3, with 64-bit arithmetic that fails instead of wrapping.
+#include "in/dns/in_dns_punycode.h"
+
+#include "in/dns/in_dns_punycode.hpp"
+#include "pb/pb_string.hpp"
+#include "pb/pb_text.hpp"
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+constexpr pbInt BASE = 36;
+constexpr pbInt TMIN = 1;
+constexpr pbInt TMAX = 26;
+constexpr pbInt SKEW = 38;
+constexpr pbInt DAMP = 700;
+constexpr pbInt INITIAL_BIAS = 72;
+constexpr pbInt INITIAL_N = 0x80;
+constexpr pbInt longestInteger = 20; // digits: each but the first two leaves at most a tenth of 2^63
+constexpr char32_t delimiter = U'-';
+constexpr char digits[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+
+class Writer {
+public:
+    explicit Writer( std::span<char32_t> room ) : room_( room ) {}
+
+    size_t length() const { return length_; }
+    bool put( char32_t c )
+    {
+        if ( length_ == room_.size() )
+            return false;
+        room_[length_++] = c;
+        return true;
+    }
+    bool insert( size_t index, char32_t c )
+    {
+        if ( length_ == room_.size() )
+            return false;
+        char32_t *const place = room_.data() + index;
+        std::copy_backward( place, room_.data() + length_, room_.data() + length_ + 1 );
+        *place = c;
+        ++length_;
+        return true;
+    }
+
+private:
+    const std::span<char32_t> room_;
+    size_t length_ = 0;
+};
+
+bool isBasic( char32_t c ) { return c < INITIAL_N; }
+
+// False instead of an overflow.
+bool addProduct( pbInt &sum, pbInt a, pbInt b )
+{
+    pbInt product;
+    return !__builtin_mul_overflow( a, b, &product ) && !__builtin_add_overflow( sum, product, &sum );
+}
+
+pbInt threshold( pbInt k, pbInt bias ) { return std::clamp( k - bias, TMIN, TMAX ); }
+
+pbInt adapt( pbInt delta, pbInt points, bool first )
+{
+    delta /= first ? DAMP : 2;
+    delta += delta / points;
+    pbInt k = 0;
+    for ( ; delta > ( BASE - TMIN ) * TMAX / 2; k += BASE )
+        delta /= BASE - TMIN;
+    return k + ( BASE - TMIN + 1 ) * delta / ( delta + SKEW );
+}
+
+bool writeInteger( Writer &out, pbInt value, pbInt bias )
+{
+    pbInt q = value;
+    for ( pbInt k = BASE;; k += BASE ) {
+        const pbInt t = threshold( k, bias );
+        PB_ASSERT( t >= TMIN && t <= TMAX );
+        if ( q < t )
+            return out.put( static_cast<unsigned char>( digits[q] ) );
+        PB_ASSERT( t + ( (q-t) % (BASE-t) ) < BASE );
+        if ( !out.put( static_cast<unsigned char>( digits[t + ( q - t ) % ( BASE - t )] ) ) )
+            return false;
+        q = ( q - t ) / ( BASE - t );
+    }
+}
+
+// BASE for what is no digit.
+pbInt digitValue( char32_t c )
+{
+    const char32_t lower = pb::text::asciiLower( c );
+    return lower >= U'a' && lower <= U'z'   ? static_cast<pbInt>( lower - U'a' )
+           : c >= U'0' && c <= U'9' ? static_cast<pbInt>( c - U'0' ) + 26
+                                    : BASE;
+}
+
+// Adds the integer in front of the text to the sum and cuts it off.
+bool readInteger( std::u32string_view &text, pbInt &sum, pbInt bias )
+{
+    pbInt weight = 1;
+    for ( pbInt k = BASE; !text.empty(); k += BASE ) {
+        const pbInt digit = digitValue( text.front() );
+        text.remove_prefix( 1 );
+        if ( digit == BASE || !addProduct( sum, digit, weight ) )
+            return false;
+        const pbInt t = threshold( k, bias );
+        if ( digit < t )
+            return true;
+        if ( __builtin_mul_overflow( weight, BASE - t, &weight ) )
+            return false;
+    }
+    return false;
+}
+
+pb::String makeString( const char32_t *text, size_t length )
+{
+    return pb::adopt( pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text ), static_cast<pbInt>( length ) ) );
+}
+
+// Converts into as much room as the result may take at most.
+template <class Convert> pb::String convert( const struct pbString *source, size_t most, pbInt maxResultLength, Convert convert )
+{
+    const size_t size = maxResultLength < 0 ? most : std::min( most, static_cast<size_t>( maxResultLength ) );
+    const auto room = std::make_unique_for_overwrite<char32_t[]>( size );
+    const auto length = convert( pb::view( source ), { room.get(), size } );
+    return length ? makeString( room.get(), *length ) : nullptr;
+}
+
+} // namespace
+
+std::optional<size_t> in::punycode::encode( std::u32string_view source, std::span<char32_t> room )
+{
+    Writer out( room );
+    // Each code point gives at least one of the result, so that a source longer than the room needs no second look.
+    if ( source.size() > room.size() || !std::all_of( source.begin(), source.end(), []( char32_t c ) { return PB_CHAR_OK( c ); } ) )
+        return std::nullopt;
+    for ( const char32_t c : source )
+        if ( isBasic( c ) )
+            out.put( c );
+    const auto basics = static_cast<pbInt>( out.length() ), length = static_cast<pbInt>( source.size() );
+    if ( basics > 0 && !out.put( delimiter ) )
+        return std::nullopt;
+
+    pbInt n = INITIAL_N, delta = 0, bias = INITIAL_BIAS, handled = basics;
+    while ( handled < length ) {
+        pbInt m = 0x10FFFF;
+        for ( const char32_t c : source )
+            if ( c >= n && c < m )
+                m = c;
+        if ( !addProduct( delta, m - n, handled + 1 ) )
+            return std::nullopt;
+        for ( const char32_t c : source ) {
+            if ( c < m && !addProduct( delta, 1, 1 ) )
+                return std::nullopt;
+            if ( c != m )
+                continue;
+            if ( !writeInteger( out, delta, bias ) )
+                return std::nullopt;
+            bias = adapt( delta, handled + 1, handled == basics );
+            delta = 0;
+            ++handled;
+        }
+        ++delta;
+        n = m + 1;
+    }
+    return out.length();
+}
+
+std::optional<size_t> in::punycode::decode( std::u32string_view source, std::span<char32_t> room )
+{
+    Writer out( room );
+    const size_t last = source.rfind( delimiter );
+    if ( last == 0 )
+        return std::nullopt;
+    if ( last != source.npos ) {
+        for ( const char32_t c : source.substr( 0, last ) )
+            if ( !isBasic( c ) || !out.put( c ) )
+                return std::nullopt;
+        source.remove_prefix( last + 1 );
+    }
+
+    pbInt n = INITIAL_N, i = 0, bias = INITIAL_BIAS;
+    while ( !source.empty() ) {
+        const pbInt before = i, points = static_cast<pbInt>( out.length() ) + 1;
+        if ( !readInteger( source, i, bias ) )
+            return std::nullopt;
+        bias = adapt( i - before, points, before == 0 );
+        // Beyond Unicode's last code point and among the surrogates nothing can be text.
+        if ( !addProduct( n, i / points, 1 ) || n > 0x10FFFF || !PB_CHAR_OK( n ) )
+            return std::nullopt;
+        i %= points;
+        if ( !out.insert( static_cast<size_t>( i ), static_cast<char32_t>( n ) ) )
+            return std::nullopt;
+        ++i;
+    }
+    return out.length();
+}
+
+extern "C" {
+
+struct pbString *inDnsPunycodeTryEncode( const struct pbString *source, pbInt maxResultLength )
+{
+    PB_ASSERT( source );
+    PB_ASSERT( maxResultLength >= -1 );
+    const auto most = static_cast<size_t>( 1 + longestInteger * pbStringLength( source ) );
+    return convert( source, most, maxResultLength, in::punycode::encode ).release();
+}
+
+struct pbString *inDnsPunycodeTryDecode( const struct pbString *source, pbInt maxResultLength )
+{
+    PB_ASSERT( source );
+    PB_ASSERT( maxResultLength >= -1 );
+    const auto most = static_cast<size_t>( pbStringLength( source ) ); // each code point takes at least one digit
+    return convert( source, most, maxResultLength, in::punycode::decode ).release();
+}
+
+} // extern "C"
