@@ -1,12 +1,36 @@
-// The module of the configuration service: it has no tables of its own to start; sorts and modules come and go with
-// their backends.
+// The module of the configuration service: the sort of its own, conditions.
 #include "cs/cs_module.h"
 
-static const struct pbModuleRecord cs___module_record = {
+#include "cs/cs_condition_internal.h"
+#include "cs/cs_module_backend.h"
+#include "pb/pb_global.hpp"
+
+namespace {
+
+constinit pb::Global<struct csModuleBackend> backend;
+
+const struct pbModuleRecord record = {
     "cs", "Configuration service", "17.1", "pb tr", "Internetworking", { 17, 1, 0 }, "", "",
 };
-static const struct pbModule cs___module = {
-    &cs___module_record, []() -> pbBool { return true; }, nullptr, [] {}, [] {}, nullptr,
-};
 
-extern "C" const struct pbModule *csModule( void ) { return &cs___module; }
+pbBool startup()
+{
+    cs___ConditionCsStartup();
+    backend.set( pb::adopt( csModuleBackendCreate( csModule(), nullptr ) ) );
+    return true;
+}
+
+void shutdown()
+{
+    backend.invalidate();
+    cs___ConditionCsShutdown();
+}
+
+const struct pbModule module = { &record, startup, nullptr, shutdown, [] {}, nullptr };
+
+} // namespace
+
+extern "C" const struct pbModule *csModule( void )
+{
+    return &module;
+}

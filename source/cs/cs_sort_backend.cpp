@@ -29,9 +29,39 @@ void Registry::removeSort( const std::shared_ptr<Sort> &sort )
 {
     pb::Guard guard( monitor_ );
     std::erase( sorts_, sort );
-    sort->module = nullptr;
-    while ( sort->calls )
+    withdraw( sort->callee );
+}
+
+void Registry::withdraw( Callee &callee )
+{
+    callee.module = nullptr;
+    while ( callee.calls )
         callEnded_.wait( monitor_ );
+}
+
+void Registry::addStep( const std::shared_ptr<UpdateStep> &step )
+{
+    pb::Guard guard( monitor_ );
+    const auto later =
+        std::find_if( steps_.begin(), steps_.end(), [&]( const auto &other ) { return other->date > step->date; } );
+    steps_.insert( later, step );
+}
+
+void Registry::removeStep( const std::shared_ptr<UpdateStep> &step )
+{
+    pb::Guard guard( monitor_ );
+    std::erase( steps_, step );
+    withdraw( step->callee );
+}
+
+std::vector<std::shared_ptr<Callee>> Registry::callees() const
+{
+    std::vector<std::shared_ptr<Callee>> callees;
+    for ( const auto &sort : sorts_ )
+        callees.emplace_back( sort, &sort->callee );
+    for ( const auto &step : steps_ )
+        callees.emplace_back( step, &step->callee );
+    return callees;
 }
 
 void Registry::setKeys( Sort &sort, std::span<const struct csKey> keys )
@@ -40,28 +70,32 @@ void Registry::setKeys( Sort &sort, std::span<const struct csKey> keys )
     sort.keys = keys;
 }
 
+void Registry::setWarnings( Sort &sort, csSortWarningsFunc *warnings )
+{
+    pb::Guard guard( monitor_ );
+    sort.warnings = warnings;
+}
+
 void Registry::addModule( const std::shared_ptr<Module> &module )
 {
     pb::Guard guard( monitor_ );
     modules_.push_back( module );
-    for ( const auto &sort : sorts_ )
-        if ( !sort->module )
-            sort->module = module.get();
+    for ( const auto &callee : callees() )
+        if ( !callee->module )
+            callee->module = module.get();
 }
 
 void Registry::removeModule( const std::shared_ptr<Module> &module )
 {
     pb::Guard guard( monitor_ );
     std::erase( modules_, module );
-    std::vector<std::shared_ptr<Sort>> withdrawn; // kept over the wait, in which sorts may be unregistered
-    for ( const auto &sort : sorts_ )
-        if ( sort->module == module.get() ) {
-            sort->module = nullptr;
-            withdrawn.push_back( sort );
-        }
+    std::vector<std::shared_ptr<Callee>> vouched = callees(); // kept over the wait, in which they may be unregistered
+    std::erase_if( vouched, [&]( const auto &callee ) { return callee->module != module.get(); } );
+    for ( const auto &callee : vouched )
+        callee->module = nullptr;
     const auto underWay = [&] {
-        return module->calls
-               || std::any_of( withdrawn.begin(), withdrawn.end(), []( const auto &sort ) { return sort->calls; } );
+        return module->calls ||
+               std::any_of( vouched.begin(), vouched.end(), []( const auto &callee ) { return callee->calls; } );
     };
     while ( underWay() )
         callEnded_.wait( monitor_ );
@@ -91,21 +125,33 @@ std::span<const struct csKey> Registry::keys( const Sort &sort )
     return sort.keys;
 }
 
+std::vector<std::shared_ptr<UpdateStep>> Registry::steps()
+{
+    pb::Guard guard( monitor_ );
+    return steps_;
+}
+
+csSortWarningsFunc *Registry::warnings( const Sort &sort )
+{
+    pb::Guard guard( monitor_ );
+    return sort.warnings;
+}
+
 std::vector<std::shared_ptr<Module>> Registry::modules()
 {
     pb::Guard guard( monitor_ );
     return modules_;
 }
 
-Call::Call( std::shared_ptr<Sort> sort )
+Call::Call( std::shared_ptr<Callee> callee )
 {
     Registry &registry = Registry::instance();
     pb::Guard guard( registry.monitor_ );
-    if ( !sort->module )
+    if ( !callee->module )
         return;
-    calls_ = &sort->calls;
+    calls_ = &callee->calls;
     ++*calls_;
-    owner_ = std::move( sort );
+    owner_ = std::move( callee );
 }
 
 Call::Call( std::shared_ptr<Module> module )
@@ -167,4 +213,11 @@ extern "C" void csSortBackendSetKeys( struct csSortBackend *backend, const struc
     PB_ASSERT( keyCount >= 0 );
     PB_ASSERT( keys || keyCount == 0 );
     cs::Registry::instance().setKeys( *backend->sort, { keys, static_cast<size_t>( keyCount ) } );
+}
+
+extern "C" void csSortBackendSetWarnings( struct csSortBackend *backend, csSortWarningsFunc *warn )
+{
+    PB_ASSERT( backend );
+    PB_ASSERT( warn );
+    cs::Registry::instance().setWarnings( *backend->sort, warn );
 }
