@@ -6,11 +6,13 @@
 // key overrides it is kept, too, when it would count on its own.
 #include "cs/cs_config_check_internal.h"
 
+#include "cs/cs_json.h"
 #include "cs/cs_key_internal.h"
 #include "pb/pb_store.h"
 #include "pb/pb_string.hpp"
 
 #include <algorithm>
+#include <map>
 
 namespace cs {
 namespace {
@@ -47,8 +49,8 @@ struct Form {
 
 class ConfigCheck {
 public:
-    ConfigCheck( const Sort &sort, JsonValue &config, const std::string &path, Problems &problems )
-        : sort_( sort ), keys_( Registry::instance().keys( sort ) ), config_( config ), recordPath_( path ),
+    ConfigCheck( const Sort &sort, JsonValue &config, const std::string &record, Problems &problems )
+        : sort_( sort ), keys_( Registry::instance().keys( sort ) ), config_( config ), record_( record ),
           problems_( problems )
     {
     }
@@ -76,16 +78,19 @@ private:
     {
         const JsonValue &value = member.value;
         if ( member.duplicate )
-            return tell( member.keyOffset, "the key stands twice, expected once" );
+            return tell( member.keyOffset, { "the key stands twice", "once" } );
         if ( !siblings.empty() && !optionalKey )
-            return tell( member.keyOffset, unknownText( "key", member.key, keyNames( siblings ) ) );
+            return tell( member.keyOffset, unknownName( "key", member.key, keyNames( siblings ) ) );
         if ( !value.complete && !value.isContainer() )
             return; // the text ends before the value, which the reader has told
         if ( value.kind == JsonValue::Kind::Null )
-            return tell( value.offset, "null is no value, expected " + expected( optionalKey ) );
+            return tell( value.offset, { "null is no value", expected( optionalKey ) } );
         if ( optionalKey )
-            if ( const std::string problem = keyProblem( *optionalKey, value ); !problem.empty() )
+            if ( const Finding problem = keyProblem( *optionalKey, value ); !problem.what.empty() )
                 return tell( value.offset, problem );
+        if ( optionalKey && optionalKey->kind == CS_KEY_FLAGS && problems_.wantsWarnings() )
+            if ( const std::string flag = repeatedFlag( value.text ); !flag.empty() )
+                problems_.warn( value.offset, subject(), { "the flag \"" + flag + "\" stands twice" } );
         if ( value.isContainer() )
             checkKeys( member.value, subKeys( optionalKey ) );
     }
@@ -96,7 +101,8 @@ private:
     void checkKept( JsonValue &container, pb::Ref<struct pbStore> kept, Keys keys )
     {
         const auto all = static_cast<pbInt>( container.members.size() );
-        if ( container.kind == JsonValue::Kind::Array && kept && pbStoreLength( kept.get() ) != all )
+        const bool moved = container.kind == JsonValue::Kind::Array && kept && pbStoreLength( kept.get() ) != all;
+        if ( moved )
             kept = nullptr;
         for ( JsonMember &member : container.members ) {
             if ( !member.usable() )
@@ -107,6 +113,25 @@ private:
                 checkValueKept( member, valueAt( kept, member.key ), key );
             else if ( hasUsableMembers( member.value ) ) // an empty store says nothing that could be dropped
                 checkStoreKept( member, storeAt( kept, member.key ), key );
+            path_.pop_back();
+        }
+        if ( moved && problems_.wantsWarnings() )
+            warnOfEqualEntries( container );
+    }
+    // Of entries that have the same normalised form the sort has kept one.
+    void warnOfEqualEntries( JsonValue &array )
+    {
+        std::map<std::string, const JsonMember *> firsts;
+        for ( JsonMember &member : array.members ) {
+            if ( !member.usable() )
+                continue;
+            path_.push_back( &member );
+            const Form alone = form( focused( Scope::Alone ) );
+            const auto [first, isNew] = firsts.emplace(
+                pb::utf8( pb::adopt( csJsonFromStore( alone.withDefaults.get(), CS_JSON_SHORT ) ) ), &member );
+            if ( !isNew )
+                problems_.warn( member.value.offset, subject(),
+                                { "the same as entry " + first->second->key + ", which alone counts" } );
             path_.pop_back();
         }
     }
@@ -141,9 +166,8 @@ private:
         if ( countsAlone && now )
             return; // overridden
         if ( countsAlone )
-            return tell( member.value.offset, '"' + printable( text )
-                                                  + "\" does not go with the other values, expected "
-                                                  + expected( key ) );
+            return tell( member.value.offset,
+                         { '"' + printable( text ) + "\" does not go with the other values", expected( key ) } );
         tellDropped( member, key, with );
     }
 
@@ -151,11 +175,11 @@ private:
     {
         const bool isEntry = path_.size() > 1 && path_[path_.size() - 2]->value.kind == JsonValue::Kind::Array;
         if ( !key && !isEntry && !placeOf( with ).text )
-            return tell( member.keyOffset, unknownText( "key or value", member.key, siblingNames( with ) ) );
+            return tell( member.keyOffset, unknownName( "key or value", member.key, siblingNames( with ) ) );
         const std::string what = member.value.isContainer()
                                      ? "not accepted as it stands"
                                      : '"' + printable( member.value.text ) + "\" is not accepted";
-        tell( member.value.offset, what + ", expected " + expected( key ) );
+        tell( member.value.offset, { what, expected( key ) } );
     }
 
     // The configuration seen from the member at the end of path_. Of the arrays on the way only the entry on the path
@@ -231,16 +255,20 @@ private:
     {
         return optionalKey ? expectedText( *optionalKey ) : "a value that the sort accepts";
     }
-    // About the member at the end of path_.
-    void tell( size_t offset, const std::string &what )
+    // The member at the end of path_.
+    Subject subject() const
     {
-        std::string path = recordPath_;
-        for ( JsonMember *member : path_ ) {
-            path += "." + printable( member->key );
+        Subject subject{ record_ };
+        for ( const JsonMember *member : path_ )
+            subject.key += ( subject.key.empty() ? "" : "." ) + printable( member->key );
+        return subject;
+    }
+    void tell( size_t offset, const Finding &finding )
+    {
+        for ( JsonMember *member : path_ )
             member->flawed = true;
-        }
         path_.back()->bad = true;
-        problems_.add( offset, path, what );
+        problems_.add( offset, subject(), finding );
     }
 
     static inline const std::string FirstEntry = "0";
@@ -248,16 +276,16 @@ private:
     const Sort &sort_;
     const Keys keys_;
     JsonValue &config_;
-    const std::string &recordPath_;
+    const std::string &record_;
     Problems &problems_;
     std::vector<JsonMember *> path_; // from the configuration to what is looked at
 };
 
 } // namespace
 
-void checkConfig( const Sort &sort, JsonValue &config, const std::string &path, Problems &problems )
+void checkConfig( const Sort &sort, JsonValue &config, const std::string &record, Problems &problems )
 {
-    ConfigCheck( sort, config, path, problems ).run();
+    ConfigCheck( sort, config, record, problems ).run();
 }
 
 } // namespace cs

@@ -4,18 +4,11 @@
 #include "cs/cs_configuration_internal.h"
 #include "cs/cs_json_reader_internal.h"
 #include "cs/cs_status_reporter.h"
+#include "cs/cs_text_file_internal.h"
 #include "pb/pb_assert.hpp"
-#include "pb/pb_fd.hpp"
 #include "pb/pb_string.hpp"
 #include "pb/pb_vector.h"
 #include "tr/tr.hpp"
-
-#include <cerrno>
-#include <fcntl.h>
-#include <memory>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 
 PB_SORT_DECLARE( cs___sort_CS_CONFIGURATION )
 
@@ -71,34 +64,6 @@ PB_OBJECT_DEFINE( csConfiguration, cs___sort_CS_CONFIGURATION )
 
 namespace {
 
-std::string errorText( int error )
-{
-    return std::system_category().message( error );
-}
-
-// Empty, or why the file cannot be read. Takes nothing but regular files: a pipe or a terminal could keep the caller
-// waiting, and opening a device may do something. Reads at most one byte more than a text may have.
-std::string readFile( const char *path, std::string &bytes )
-{
-    const pb::Fd file( ::open( path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK ) );
-    struct stat status;
-    if ( !file || ::fstat( file.get(), &status ) != 0 )
-        return errorText( errno );
-    if ( !S_ISREG( status.st_mode ) )
-        return S_ISDIR( status.st_mode ) ? errorText( EISDIR ) : "not a regular file";
-    char block[65536];
-    while ( bytes.size() <= cs::JsonBytesMaximum ) {
-        const ssize_t count = ::read( file.get(), block, sizeof block );
-        if ( count < 0 && errno != EINTR )
-            return errorText( errno );
-        if ( count == 0 )
-            break;
-        if ( count > 0 )
-            bytes.append( block, static_cast<size_t>( count ) );
-    }
-    return "";
-}
-
 void setVector( struct pbVector **vector, pb::Ref<struct pbVector> value )
 {
     pbVectorRelease( *vector );
@@ -120,13 +85,11 @@ extern "C" struct csConfiguration *csConfigurationTryLoad( const struct pbString
     PB_ASSERT( path );
     PB_ASSERT( problems );
     std::string bytes;
-    const std::unique_ptr<char, decltype( &pbBytesZFree )> pathZ( pbStringTryConvertToBytesZ( path ), pbBytesZFree );
-    // A path with a NUL in it is no path.
-    const std::string reason = pathZ ? readFile( pathZ.get(), bytes ) : errorText( EINVAL );
+    const std::string reason = cs::readTextFile( path, bytes );
     if ( reason.empty() )
         return parse( bytes, path, problems );
     cs::Problems unreadable;
-    unreadable.add( 0, "", "cannot be read (" + reason + "), expected a configuration file" );
+    unreadable.add( 0, {}, cs::unreadableFile( reason ) );
     setVector( problems, unreadable.messages( pb::utf8( path ), "" ) );
     return nullptr;
 }

@@ -14,18 +14,19 @@ public:
 
     void parse( JsonValue &root )
     {
-        if ( !isObject( root, "", "an object with the key \"objects\"" ) )
+        if ( !isObject( root, {}, "an object with the key \"objects\"" ) )
             return;
         JsonMember *objects = nullptr;
         for ( JsonMember &member : root.members )
-            if ( isKnownOnce( member, printable( member.key ), { "objects" } ) )
+            if ( isKnownOnce( member, { "", printable( member.key ) }, { "objects" } ) )
                 objects = &member;
         if ( !objects && root.complete )
-            problems_.add( root.offset, "", "the key \"objects\" is missing, expected {\"objects\": {...}}" );
-        if ( !objects || !isObject( objects->value, "objects", "an object of named objects" ) )
+            problems_.add( root.offset, {}, { "the key \"objects\" is missing", "{\"objects\": {...}}" } );
+        if ( !objects || !isObject( objects->value, { "", "objects" }, "an object of named objects" ) )
             return;
         for ( JsonMember &record : objects->value.members )
             parseRecord( record );
+        checkTogether( subjects_, root.complete, problems_ );
     }
 
     std::vector<Record> records;
@@ -35,41 +36,43 @@ private:
     {
         const std::string path = record.key.empty() ? "\"\"" : printable( record.key );
         if ( record.duplicate )
-            problems_.add( record.keyOffset, path, "the name stands twice, expected once" );
+            problems_.add( record.keyOffset, { path }, { "the name stands twice", "once" } );
         if ( !recordNameOk( record.key ) )
-            problems_.add( record.keyOffset, path, "bad name, expected 1 to 255 letters, digits, \"_\", \"-\", \".\"" );
-        if ( !isObject( record.value, path, "an object of \"sort\" and \"config\"" ) )
+            problems_.add( record.keyOffset, { path },
+                           { "bad name", "1 to 255 letters, digits, \"_\", \"-\", \".\"" } );
+        if ( !isObject( record.value, { path }, "an object of \"sort\" and \"config\"" ) )
             return;
 
         JsonMember *sort = nullptr, *config = nullptr;
         for ( JsonMember &member : record.value.members )
-            if ( isKnownOnce( member, path + "." + printable( member.key ), { "sort", "config" } ) )
+            if ( isKnownOnce( member, { path, printable( member.key ) }, { "sort", "config" } ) )
                 ( member.key == "sort" ? sort : config ) = &member;
         if ( !sort && record.value.complete )
-            problems_.add( record.value.offset, path, "the key \"sort\" is missing, expected " + expectedSort() );
-        const bool configOk = !config || isObject( config->value, path + ".config", "an object" );
-        const std::shared_ptr<Sort> known = sort ? findSort( sort->value, path + ".sort" ) : nullptr;
+            problems_.add( record.value.offset, { path }, { "the key \"sort\" is missing", expectedSort() } );
+        const bool configOk = !config || isObject( config->value, { path, "config" }, "an object" );
+        const std::shared_ptr<Sort> known = sort ? findSort( sort->value, { path, "sort" } ) : nullptr;
+        subjects_.push_back( { record.key, path, known, record.keyOffset, configOk && config ? &config->value : nullptr } );
         if ( !known || !configOk )
             return;
         if ( const Call call( known ); !call )
-            problems_.add( sort->value.offset, path + ".sort",
-                           "the module of this sort is not running, expected it started" );
+            problems_.add( sort->value.offset, { path, "sort" },
+                           { "the module of this sort is not running", "it started" } );
         else if ( config )
             checkConfig( *known, config->value, path, problems_ );
         records.push_back( { record.key, known, config ? storeFromJson( config->value ) : nullptr } );
     }
 
-    std::shared_ptr<Sort> findSort( const JsonValue &value, const std::string &path )
+    std::shared_ptr<Sort> findSort( const JsonValue &value, const Subject &subject )
     {
         if ( !value.complete && !value.isContainer() )
             return nullptr;
         if ( value.kind != JsonValue::Kind::String ) {
-            problems_.add( value.offset, path, "not a string, expected " + expectedSort() );
+            problems_.add( value.offset, subject, { "not a string", expectedSort() } );
             return nullptr;
         }
         std::shared_ptr<Sort> sort = Registry::instance().sortNamed( value.text );
         if ( !sort )
-            problems_.add( value.offset, path, unknownText( "sort", value.text, Registry::instance().sortNames() ) );
+            problems_.add( value.offset, subject, unknownName( "sort", value.text, Registry::instance().sortNames() ) );
         return sort;
     }
     static std::string expectedSort()
@@ -80,27 +83,28 @@ private:
         return text.empty() ? "the name of a sort" : text;
     }
 
-    bool isKnownOnce( const JsonMember &member, const std::string &path, const std::vector<std::string> &known )
+    bool isKnownOnce( const JsonMember &member, const Subject &subject, const std::vector<std::string> &known )
     {
         if ( std::find( known.begin(), known.end(), member.key ) == known.end() ) {
-            problems_.add( member.keyOffset, path, unknownText( "key", member.key, known ) );
+            problems_.add( member.keyOffset, subject, unknownName( "key", member.key, known ) );
             return false;
         }
         if ( member.duplicate )
-            problems_.add( member.keyOffset, path, "the key stands twice, expected once" );
+            problems_.add( member.keyOffset, subject, { "the key stands twice", "once" } );
         return !member.duplicate;
     }
     // Where the text ends before the value the reader has told it.
-    bool isObject( const JsonValue &value, const std::string &path, const char *expected )
+    bool isObject( const JsonValue &value, const Subject &subject, const char *expected )
     {
         if ( value.kind == JsonValue::Kind::Object )
             return true;
         if ( value.complete || value.isContainer() )
-            problems_.add( value.offset, path, std::string( "not an object, expected " ) + expected );
+            problems_.add( value.offset, subject, { "not an object", expected } );
         return false;
     }
 
     Problems &problems_;
+    std::vector<CheckedRecord> subjects_; // all that have a name
 };
 
 } // namespace
@@ -121,7 +125,7 @@ std::vector<Record> parseConfiguration( std::string_view bytes, Problems &proble
     ConfigurationParser parser( problems );
     parser.parse( root );
     if ( !error.text.empty() )
-        problems.add( error.offset, "", error.text );
+        problems.add( error.offset, {}, { error.text } );
     return std::move( parser.records );
 }
 

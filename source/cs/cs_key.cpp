@@ -1,12 +1,11 @@
 // Checks values and names against tables of keys.
 #include "cs/cs_key_internal.h"
 
-#include "cs/cs_problems_internal.h"
+#include "cs/cs_nearest.hpp"
 #include "pb/pb_store.h"
 #include "pb/pb_string.hpp"
 
 #include <algorithm>
-#include <numeric>
 
 namespace cs {
 namespace {
@@ -48,60 +47,27 @@ std::string valueText( const JsonValue &value )
 
 bool isRange( const struct csKey &key ) { return key.minimum != 0 || key.maximum != 0; }
 
-// Insertions, deletions and replacements of one byte; names are short and ASCII.
-size_t editDistance( std::string_view a, std::string_view b )
+// The names in the text of flags, without the blanks around them.
+std::vector<std::string_view> flagNames( std::string_view text )
 {
-    std::vector<size_t> row( b.size() + 1 );
-    std::iota( row.begin(), row.end(), size_t{ 0 } );
-    for ( size_t i = 1; i <= a.size(); ++i ) {
-        size_t diagonal = std::exchange( row[0], i );
-        for ( size_t j = 1; j <= b.size(); ++j ) {
-            const size_t replaced = diagonal + ( a[i - 1] != b[j - 1] );
-            diagonal = row[j];
-            row[j] = std::min( { replaced, row[j] + 1, row[j - 1] + 1 } );
-        }
-    }
-    return row[b.size()];
-}
-
-std::string lowerCase( std::string_view text )
-{
-    std::string lower( text );
-    for ( char &c : lower )
-        if ( c >= 'A' && c <= 'Z' )
-            c += 'a' - 'A';
-    return lower;
-}
-
-// The known name that a person is likely to have meant, or empty: about one slip in four letters, case being none.
-std::string nearestName( std::string_view name, const std::vector<std::string> &known )
-{
-    constexpr size_t Longest = 64; // of what is compared: the cost is the product of the lengths
-    std::string nearest;
-    size_t least = name.size() > Longest ? 0 : 2 + name.size() / 4;
-    for ( const std::string &candidate : known )
-        if ( candidate.size() <= Longest )
-            if ( const size_t distance = editDistance( lowerCase( name ), lowerCase( candidate ) );
-                 distance < least && distance < candidate.size() ) {
-                least = distance;
-                nearest = candidate;
-            }
-    return nearest;
-}
-
-std::string flagsProblem( const struct csKey &key, const std::string &text )
-{
-    const std::vector<std::string> known = namesOf( key );
+    std::vector<std::string_view> names;
     for ( size_t begin = 0; begin <= text.size(); ) {
         const size_t end = std::min( text.find( '|', begin ), text.size() );
-        std::string_view name = std::string_view( text ).substr( begin, end - begin );
-        const size_t first = name.find_first_not_of( " \t\n\v\f\r" );
-        name = first == name.npos ? "" : name.substr( first, name.find_last_not_of( " \t\n\v\f\r" ) + 1 - first );
-        if ( !name.empty() && std::find( known.begin(), known.end(), name ) == known.end() )
-            return unknownText( "flag", name, known );
+        const std::string_view name = text.substr( begin, end - begin );
+        if ( const size_t first = name.find_first_not_of( " \t\n\v\f\r" ); first != name.npos )
+            names.push_back( name.substr( first, name.find_last_not_of( " \t\n\v\f\r" ) + 1 - first ) );
         begin = end + 1;
     }
-    return "";
+    return names;
+}
+
+Finding flagsProblem( const struct csKey &key, const std::string &text )
+{
+    const std::vector<std::string> known = namesOf( key );
+    for ( const std::string_view name : flagNames( text ) )
+        if ( std::find( known.begin(), known.end(), name ) == known.end() )
+            return unknownName( "flag", name, known );
+    return {};
 }
 
 std::string integerProblem( const struct csKey &key, const JsonValue &value )
@@ -188,12 +154,15 @@ std::string expectedText( const struct csKey &key )
     }
 }
 
-std::string keyProblem( const struct csKey &key, const JsonValue &value )
+Finding keyProblem( const struct csKey &key, const JsonValue &value )
 {
-    const std::string problem = valueProblem( key, value );
-    if ( !problem.empty() )
-        return problem + ", expected " + expectedText( key );
-    return key.kind == CS_KEY_FLAGS ? flagsProblem( key, value.text ) : "";
+    if ( const std::string problem = valueProblem( key, value ); !problem.empty() ) {
+        const bool isNames = key.kind == CS_KEY_ENUM && !value.isContainer();
+        const std::vector<std::string> near =
+            isNames ? nearestNames( value.text, namesOf( key ) ) : std::vector<std::string>();
+        return { problem, expectedText( key ), near.empty() ? "" : near[0] };
+    }
+    return key.kind == CS_KEY_FLAGS ? flagsProblem( key, value.text ) : Finding();
 }
 
 std::vector<std::string> keyNames( Keys keys )
@@ -204,14 +173,23 @@ std::vector<std::string> keyNames( Keys keys )
     return names;
 }
 
-std::string unknownText( std::string_view kind, std::string_view name, const std::vector<std::string> &known )
+Finding unknownName( std::string_view kind, std::string_view name, const std::vector<std::string> &known )
 {
-    std::string text = "unknown " + std::string( kind );
+    Finding finding{ "unknown " + std::string( kind ) };
     if ( !kind.starts_with( "key" ) ) // a key stands in the path
-        text += " \"" + printable( name ) + '"';
-    if ( const std::string nearest = nearestName( name, known ); !nearest.empty() )
-        return text + ", did you mean \"" + nearest + "\"?";
-    return text + ", expected " + ( known.empty() ? "none" : ( known.size() == 1 ? "" : "one of " ) + joined( known ) );
+        finding.what += " \"" + printable( name ) + '"';
+    finding.expected = known.empty() ? "none" : ( known.size() == 1 ? "" : "one of " ) + joined( known );
+    if ( const std::vector<std::string> near = nearestNames( name, known ); !near.empty() )
+        finding.nearest = near[0];
+    return finding;
+}
+
+std::string repeatedFlag( std::string_view text )
+{
+    std::vector<std::string_view> names = flagNames( text );
+    std::sort( names.begin(), names.end() );
+    const auto twice = std::adjacent_find( names.begin(), names.end() );
+    return twice == names.end() ? "" : std::string( *twice );
 }
 
 bool integerFromText( const std::string &text, pbInt &value )

@@ -22,7 +22,14 @@ struct csKey {
     const char *const *names; // of CS_KEY_ENUM and CS_KEY_FLAGS, null-terminated
     const struct csKey *keys; // of CS_KEY_STORE and CS_KEY_ARRAY; null: not described
     pbInt keyCount;
+    const char *description; // a sentence for people, without its full stop; null: none
+    const char *pattern;     // of CS_KEY_TEXT: a regular expression (ECMA-262) of the whole text; null: not told
+    const char *recordSort;  // of CS_KEY_TEXT: the name of a record of this sort; null: no name of a record
+    uint64_t flags;          // CS_KEY_FLAG_...
 };
+
+#define CS_KEY_FLAG_WHOLE 1  // of CS_KEY_STORE: restored only when every key is there
+#define CS_KEY_FLAG_UNIQUE 2 // objects of one sort with the same value here get in each other's way
 
 PB_DECLS_END
 

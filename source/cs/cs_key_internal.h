@@ -4,6 +4,7 @@
 
 #include "cs/cs_json_reader_internal.h"
 #include "cs/cs_key.h"
+#include "cs/cs_problems_internal.h"
 
 #include <span>
 #include <string>
@@ -21,12 +22,15 @@ const struct csKey *memberKey( Keys keys, const JsonValue &container, std::strin
 
 // "1..65535", "one of A, B".
 std::string expectedText( const struct csKey &key );
-// "what is wrong, what was expected", or empty when the value fits.
-std::string keyProblem( const struct csKey &key, const JsonValue &value );
+// Empty when the value fits.
+Finding keyProblem( const struct csKey &key, const JsonValue &value );
 
 std::vector<std::string> keyNames( Keys keys );
-// "unknown KIND, did you mean ...?" or what is known.
-std::string unknownText( std::string_view kind, std::string_view name, const std::vector<std::string> &known );
+// "unknown KIND", and what was meant or is known.
+Finding unknownName( std::string_view kind, std::string_view name, const std::vector<std::string> &known );
+
+// A flag that stands twice in the text of a CS_KEY_FLAGS value, or empty.
+std::string repeatedFlag( std::string_view text );
 
 // The value as the store reads numbers: decimal or hexadecimal. False when it is none.
 bool integerFromText( const std::string &text, pbInt &value );

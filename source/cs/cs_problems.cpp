@@ -29,7 +29,8 @@ public:
             } else if ( !isContinuation( bytes_[offset_] ) )
                 ++column_;
     }
-    std::string text() const { return std::to_string( line_ ) + ":" + std::to_string( column_ ); }
+    size_t line() const { return line_; }
+    size_t column() const { return column_; }
 
 private:
     std::string_view bytes_;
@@ -63,30 +64,50 @@ std::string printable( std::string_view text )
     return result;
 }
 
-void Problems::add( size_t offset, std::string_view path, std::string_view what )
+std::string Finding::text() const
 {
-    if ( problems_.size() == Maximum ) {
-        ++untold_;
-        return;
+    if ( !nearest.empty() )
+        return what + ", did you mean \"" + nearest + "\"?";
+    return expected.empty() ? what : what + ", expected " + expected;
+}
+
+void Problems::keep( size_t offset, const Diagnosis &diagnosis )
+{
+    if ( ++counts_[static_cast<size_t>( diagnosis.severity )] <= Maximum )
+        diagnoses_.emplace( offset, diagnosis );
+}
+
+void Problems::tell( std::string_view bytes,
+                     const std::function<void( size_t, size_t, const Diagnosis & )> &listener ) const
+{
+    Place place( bytes );
+    for ( const auto &[offset, diagnosis] : diagnoses_ ) {
+        place.moveTo( offset );
+        listener( place.line(), place.column(), diagnosis );
     }
-    problems_.emplace( offset, std::string( path ) + ( path.empty() ? "" : ": " ) + std::string( what ) );
+    for ( const Severity severity : { Severity::Error, Severity::Warning } )
+        if ( const size_t count = counts_[static_cast<size_t>( severity )]; count > Maximum )
+            listener( place.line(), place.column(),
+                      { severity, {}, { std::to_string( count - Maximum ) + " more problems, not told" } } );
 }
 
 pb::Ref<struct pbVector> Problems::messages( std::string_view file, std::string_view bytes ) const
 {
     auto messages = pb::adopt( pbVectorCreate() );
-    Place place( bytes );
-    const auto tell = [&]( const std::string &text ) {
-        const std::string message = std::string( file ) + ":" + place.text() + ": error: " + text;
-        pbVectorAppend( messages.address(), pbStringObj( pb::string( message ).get() ) );
-    };
-    for ( const auto &[offset, text] : problems_ ) {
-        place.moveTo( offset );
-        tell( text );
-    }
-    if ( untold_ )
-        tell( std::to_string( untold_ ) + " more problems, not told" );
+    tell( bytes, [&]( size_t line, size_t column, const Diagnosis &diagnosis ) {
+        if ( diagnosis.severity == Severity::Error )
+            pbVectorAppend( messages.address(),
+                            pbStringObj( pb::string( diagnosisText( file, line, column, diagnosis ) ).get() ) );
+    } );
     return messages;
+}
+
+std::string diagnosisText( std::string_view file, size_t line, size_t column, const Diagnosis &diagnosis )
+{
+    const std::string path = diagnosis.subject.path();
+    return std::string( file ) + ":" + std::to_string( line ) + ":" + std::to_string( column )
+           + ( diagnosis.severity == Severity::Error ? ": error: " : ": warning: " ) + path
+           + ( path.empty() ? "" : ": " ) + diagnosis.finding.text();
 }
 
 } // namespace cs

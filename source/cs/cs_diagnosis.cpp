@@ -1,0 +1,95 @@
+// csDiagnosis: something to be said about a place in a configuration file.
+#include "cs/cs_diagnosis.h"
+
+#include "cs/cs_configuration_internal.h"
+#include "cs/cs_text_file_internal.h"
+#include "pb/pb_assert.hpp"
+#include "pb/pb_store.h"
+#include "pb/pb_string.hpp"
+#include "pb/pb_vector.h"
+
+PB_SORT_DECLARE( cs___sort_CS_DIAGNOSIS )
+
+struct csDiagnosis final : pb::Object<struct csDiagnosis, cs___sort_CS_DIAGNOSIS> {
+    csDiagnosis( std::string diagnosedFile, size_t atLine, size_t atColumn, cs::Diagnosis found )
+        : file( std::move( diagnosedFile ) ), line( atLine ), column( atColumn ), diagnosis( std::move( found ) )
+    {
+    }
+    pb::String toString() const { return pb::string( cs::diagnosisText( file, line, column, diagnosis ) ); }
+
+    const std::string file;
+    const size_t line;
+    const size_t column;
+    const cs::Diagnosis diagnosis;
+};
+
+PB_OBJECT_DEFINE( csDiagnosis, cs___sort_CS_DIAGNOSIS )
+
+namespace {
+
+struct pbVector *told( const cs::Problems &problems, const std::string &file, std::string_view bytes )
+{
+    auto vector = pb::adopt( pbVectorCreate() );
+    problems.tell( bytes, [&]( size_t line, size_t column, const cs::Diagnosis &diagnosis ) {
+        const auto obj = pb::make<struct csDiagnosis>( file, line, column, diagnosis );
+        pbVectorAppend( vector.address(), csDiagnosisObj( obj.get() ) );
+    } );
+    return vector.release();
+}
+
+struct pbVector *diagnose( std::string_view bytes, const struct pbString *name, pbBool online )
+{
+    cs::Problems problems( true, online );
+    (void)cs::parseConfiguration( bytes, problems ); // what it finds is asked for, not the records
+    return told( problems, pb::utf8( name ), bytes );
+}
+
+} // namespace
+
+extern "C" pbInt csDiagnosisSeverity( const struct csDiagnosis *diagnosis )
+{
+    PB_ASSERT( diagnosis );
+    return diagnosis->diagnosis.severity == cs::Severity::Error ? CS_DIAGNOSIS_ERROR : CS_DIAGNOSIS_WARNING;
+}
+
+extern "C" struct pbStore *csDiagnosisStore( const struct csDiagnosis *diagnosis )
+{
+    PB_ASSERT( diagnosis );
+    const auto &[severity, subject, finding] = diagnosis->diagnosis;
+    auto store = pb::adopt( pbStoreCreate() );
+    const auto set = [&]( const char *key, const std::string &text ) {
+        if ( !text.empty() )
+            pbStoreSetValueCstr( store.address(), key, -1, pb::string( text ).get() );
+    };
+    set( "file", diagnosis->file );
+    pbStoreSetValueIntCstr( store.address(), "line", -1, static_cast<pbInt>( diagnosis->line ) );
+    pbStoreSetValueIntCstr( store.address(), "column", -1, static_cast<pbInt>( diagnosis->column ) );
+    set( "severity", severity == cs::Severity::Error ? "error" : "warning" );
+    set( "record", subject.record );
+    set( "key", subject.key );
+    set( "what", finding.what );
+    set( "expected", finding.expected );
+    set( "nearest", finding.nearest );
+    return store.release();
+}
+
+extern "C" struct pbVector *csDiagnoseFile( const struct pbString *path, pbBool online )
+{
+    PB_ASSERT( path );
+    std::string bytes;
+    const std::string reason = cs::readTextFile( path, bytes );
+    if ( reason.empty() )
+        return diagnose( bytes, path, online );
+    cs::Problems unreadable;
+    unreadable.add( 0, {}, cs::unreadableFile( reason ) );
+    return told( unreadable, pb::utf8( path ), "" );
+}
+
+extern "C" struct pbVector *csDiagnoseText( const void *bytes, pbInt byteCount, const struct pbString *name,
+                                            pbBool online )
+{
+    PB_ASSERT( byteCount >= 0 );
+    PB_ASSERT( bytes || byteCount == 0 );
+    PB_ASSERT( name );
+    return diagnose( { static_cast<const char *>( bytes ), static_cast<size_t>( byteCount ) }, name, online );
+}

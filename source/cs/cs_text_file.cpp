@@ -1,0 +1,58 @@
+// Reads the files that people write.
+#include "cs/cs_text_file_internal.h"
+
+#include "cs/cs_json_reader_internal.h"
+#include "pb/pb_fd.hpp"
+#include "pb/pb_string.hpp"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace cs {
+namespace {
+
+std::string errorText( int error )
+{
+    return std::system_category().message( error );
+}
+
+std::string readFile( const char *path, std::string &bytes )
+{
+    const pb::Fd file( ::open( path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK ) );
+    struct stat status;
+    if ( !file || ::fstat( file.get(), &status ) != 0 )
+        return errorText( errno );
+    if ( !S_ISREG( status.st_mode ) )
+        return S_ISDIR( status.st_mode ) ? errorText( EISDIR ) : "not a regular file";
+    char block[65536];
+    while ( bytes.size() <= JsonBytesMaximum ) {
+        const ssize_t count = ::read( file.get(), block, sizeof block );
+        if ( count < 0 && errno != EINTR )
+            return errorText( errno );
+        if ( count == 0 )
+            break;
+        if ( count > 0 )
+            bytes.append( block, static_cast<size_t>( count ) );
+    }
+    return "";
+}
+
+} // namespace
+
+std::string readTextFile( const struct pbString *path, std::string &bytes )
+{
+    // A path with a NUL in it is no path.
+    const std::unique_ptr<char, decltype( &pbBytesZFree )> pathZ( pbStringTryConvertToBytesZ( path ), pbBytesZFree );
+    return pathZ ? readFile( pathZ.get(), bytes ) : errorText( EINVAL );
+}
+
+Finding unreadableFile( const std::string &reason )
+{
+    return { "cannot be read (" + reason + ")", "a configuration file" };
+}
+
+} // namespace cs
