@@ -14,6 +14,8 @@
 #include "in/nw/in_nw_interface_state.h"
 #include "in/nw/in_nw_interface_status_internal.h"
 #include "in/nw/in_nw_interfaces_internal.h"
+#include "in/nw/in_nw_stack_imp_internal.h"
+#include "in/nw/in_nw_stack_internal.h"
 #include "in/qos/in_qos_defaults_internal.h"
 #include "in/qos/in_qos_layer2_pcp_internal.h"
 #include "in/qos/in_qos_stack_internal.h"
@@ -72,6 +74,7 @@ pbBool in___ModuleStartup( void )
     in___NwInterfaceStatusStartup();
     in___NwInterfaceFlagsStartup();
     in___NwInterfacesStartup();
+    in___NwStackCsStartup();
     in___QosDefaultsStartup();
     in___QosLayer2PcpStartup();
     in___QosStackCsStartup();
@@ -87,7 +90,10 @@ void in___ModuleShutdown( void )
 {
     in___CsModuleBackend.invalidate();
     in___QosStackCsShutdown();
+    // What the stacks have changed is taken back while there are interfaces to do it.
+    in___NwStackImpHaltWait();
     in___NwInterfacesShutdown();
+    in___NwStackCsShutdown();
     in___StackCsShutdown();
 }
 
@@ -96,6 +102,7 @@ void in___ModuleShutdownWait( void )
 {
     // A stack that was released during a run goes with that run's end, and still uses the interfaces then.
     in___StackImpHaltWait();
+    in___NwStackImpHaltWait();
     in___UdpFlagsShutdown();
     in___TcpFlagsShutdown();
     in___QosWindowsTrafficTypeShutdown();

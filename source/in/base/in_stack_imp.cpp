@@ -3,6 +3,7 @@
 
 #include "cs/cs_status_reporter.h"
 #include "in/base/in_address.h"
+#include "in/base/in_halt_mark.hpp"
 #include "in/base/in_options.h"
 #include "in/base/in_stack_decisions.hpp"
 #include "in/nw/in_nw_interface.h"
@@ -20,7 +21,6 @@
 #include "tr/tr.hpp"
 
 #include <algorithm>
-#include <atomic>
 
 PB_SORT_DECLARE( in___sort_IN___STACK_IMP )
 
@@ -40,30 +40,6 @@ struct Changes {
     bool up = false;
 };
 
-// Counts the imps that are halted and not yet gone. An imp's first member: what it counts for is destroyed before it.
-class HaltMark {
-public:
-    ~HaltMark()
-    {
-        if ( set_ && count.fetch_sub( 1, std::memory_order_acq_rel ) == 1 )
-            count.notify_all();
-    }
-    void set()
-    {
-        if ( !set_.exchange( true ) )
-            count.fetch_add( 1, std::memory_order_relaxed );
-    }
-    static void waitForNone()
-    {
-        for ( int64_t current; ( current = count.load( std::memory_order_acquire ) ) != 0; )
-            count.wait( current, std::memory_order_acquire );
-    }
-
-private:
-    static inline std::atomic<int64_t> count;
-    std::atomic<bool> set_ = false;
-};
-
 } // namespace
 
 struct in___StackImp final : pb::Object<struct in___StackImp, in___sort_IN___STACK_IMP> {
@@ -73,7 +49,7 @@ struct in___StackImp final : pb::Object<struct in___StackImp, in___sort_IN___STA
     void run();
     void halt();
 
-    HaltMark halted;
+    in::HaltMark<in___StackImp> halted;
 
     // Fixed after construction.
     const pb::Ref<struct trStream> trace = pb::adopt( trStreamCreateCstr( "IN_STACK", -1 ) );
@@ -252,7 +228,7 @@ void in___StackImpHalt( struct in___StackImp *imp )
 
 void in___StackImpHaltWait( void )
 {
-    HaltMark::waitForNone();
+    in::HaltMark<struct in___StackImp>::waitForNone();
 }
 
 void in___StackImpSetOptions( struct in___StackImp *imp, const struct inOptions *options )

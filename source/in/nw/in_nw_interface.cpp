@@ -1,6 +1,8 @@
 // inNwInterface: the public handle of an interface, over its imp.
+#include "in/base/in_network.h"
 #include "in/nw/in_nw_interface_imp_linux_internal.h"
 #include "in/nw/in_nw_interface_internal.h"
+#include "in/nw/in_nw_interface_status.h"
 #include "pb/pb_object.hpp"
 
 PB_SORT_DECLARE( in___sort_IN_NW_INTERFACE )
@@ -47,4 +49,29 @@ void inNwInterfaceTraceCompleteAnchor( struct inNwInterface *iface, struct trAnc
 {
     PB_ASSERT( iface );
     in___NwInterfaceImpTraceCompleteAnchor( iface->imp.get(), anchor );
+}
+
+pbBool in___NwInterfaceTrySetStatus( struct inNwInterface *iface, pbInt status, pbInt *optionalError )
+{
+    PB_ASSERT( iface );
+    PB_ASSERT( IN_NW_INTERFACE_STATUS_OK( status ) );
+    return in___NwInterfaceImpTrySetStatus( iface->imp.get(), status, optionalError );
+}
+
+pbBool in___NwInterfaceTrySetLayer3UnicastAddress( struct inNwInterface *iface, const struct inAddress *inAddress,
+                                                   const struct inNetwork *optionalInNetwork, pbInt *optionalError )
+{
+    PB_ASSERT( iface );
+    PB_ASSERT( inAddress );
+    PB_ASSERT( !optionalInNetwork || inNetworkContainsAddress( optionalInNetwork, inAddress ) );
+    return in___NwInterfaceImpTrySetLayer3UnicastAddress( iface->imp.get(), inAddress, optionalInNetwork,
+                                                          optionalError );
+}
+
+pbBool in___NwInterfaceTryDelLayer3UnicastAddress( struct inNwInterface *iface, const struct inAddress *inAddress,
+                                                   pbInt *optionalError )
+{
+    PB_ASSERT( iface );
+    PB_ASSERT( inAddress );
+    return in___NwInterfaceImpTryDelLayer3UnicastAddress( iface->imp.get(), inAddress, optionalError );
 }

@@ -1,33 +1,21 @@
 // in___NwInterfaceImp: reading one interface of a Linux host and publishing what changed.
-#include "in/nw/in_nw_interface_imp_linux_internal.h"
+#include "in/nw/in_nw_interface_imp_linux.hpp"
 
 #include "in/base/in_address.h"
 #include "in/base/in_network.h"
 #include "in/imp/in_imp_sockaddr_unix_internal.h"
 #include "in/nw/in_nw_address.h"
-#include "in/nw/in_nw_interface_state.h"
 #include "in/nw/in_nw_interface_status.h"
 #include "in/nw/in_nw_mac_address.h"
-#include "pb/pb_fd.hpp"
-#include "pb/pb_monitor.hpp"
-#include "pb/pb_signal.h"
 #include "pb/pb_store.h"
-#include "pb/pb_string.hpp"
-#include "pb/pb_timer.h"
-#include "pr/pr_process.h"
-#include "tr/tr.hpp"
 #include "unix/unix_error.h"
 
-#include <cerrno>
 #include <ifaddrs.h>
 #include <linux/ethtool.h>
 #include <linux/sockios.h>
-#include <memory>
-#include <net/if.h>
 #include <net/if_arp.h>
 #include <netinet/in.h>
 #include <sys/ioctl.h>
-#include <sys/socket.h>
 
 namespace {
 
@@ -101,45 +89,6 @@ void addLayer3( const ifaddrs &entry, State &state )
 
 } // namespace
 
-// The socket for interface queries, with the error where there is none.
-struct ControlSocket {
-    const pb::Fd fd{ socket( AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0 ) };
-    const int error = errno; // of the call above when it failed
-};
-
-PB_SORT_DECLARE( in___sort_IN___NW_INTERFACE_IMP )
-
-struct in___NwInterfaceImp final : pb::Object<struct in___NwInterfaceImp, in___sort_IN___NW_INTERFACE_IMP> {
-    explicit in___NwInterfaceImp( const struct pbString *identifier );
-
-    void start( struct trAnchor *optionalAnchor );
-    void run();
-
-    // Fixed after construction.
-    const pb::Ref<struct trStream> trace;
-    const pb::String identifier;
-    // The identifier for system calls; null when it has no such form.
-    const std::unique_ptr<char, void ( * )( char * )> name;
-    const ControlSocket controlSocket;
-    // Set once, by start.
-    pb::Ref<struct prProcess> process;
-    pb::Ref<struct pbSignalable> signalable;
-    pb::Ref<struct pbTimer> timer;
-
-    mutable pb::Monitor monitor{ 50 };
-    // Guarded by the monitor.
-    bool endRequested PB_GUARDED_BY( monitor ) = false;
-    pb::Ref<struct pbSignal> update PB_GUARDED_BY( monitor ) = pb::adopt( pbSignalCreate() );
-    State extState PB_GUARDED_BY( monitor ) = pb::adopt( inNwInterfaceStateCreate() );
-
-private:
-    State read() const;
-    void readLink( State &state ) const;
-    void readLayer3( State &state ) const;
-    // The update signal that is over, to be dropped after the monitor.
-    [[nodiscard]] pb::Ref<struct pbSignal> publish( State state ) PB_REQUIRES( monitor );
-};
-
 PB_OBJECT_DEFINE( in___NwInterfaceImp, in___sort_IN___NW_INTERFACE_IMP )
 
 in___NwInterfaceImp::in___NwInterfaceImp( const struct pbString *ident )
@@ -170,30 +119,52 @@ void in___NwInterfaceImp::run()
 {
     pb::Ref<struct pbSignal> over;
     pb::Guard guard( monitor ); // held over the reading on purpose: changes to the interface must not fall between
-    PB_ASSERT_TEXT( !inNwInterfaceStateEnd( extState.get() ), "!inNwInterfaceStateEnd( imp->extState )" );
+    PB_ASSERT_TEXT( !ended(), "!inNwInterfaceStateEnd( imp->extState )" );
     if ( endRequested ) {
-        State ended = extState;
-        inNwInterfaceStateSetEnd( ended.address(), true );
-        over = publish( std::move( ended ) );
+        inNwInterfaceStateSetEnd( extState.address(), true );
+        over = assertUpdate();
         prProcessHalt( process.get() );
         return;
     }
     if ( pbTimerScheduled( timer.get() ) )
         return;
-    State state = read();
-    if ( state != extState ) {
-        const auto store = pb::adopt( inNwInterfaceStateStore( state.get() ) );
-        trStreamSetPropertyCstrStore( trace.get(), "inNwInterfaceState", -1, store.get() );
-        over = publish( std::move( state ) );
-    }
+    publish( read() );
+    if ( unannounced_ )
+        over = assertUpdate();
     pbTimerSchedule( timer.get(), refreshIntervalMilliseconds );
 }
 
-pb::Ref<struct pbSignal> in___NwInterfaceImp::publish( State state )
+void in___NwInterfaceImp::publish( State state )
 {
+    if ( state == extState )
+        return;
+    const auto store = pb::adopt( inNwInterfaceStateStore( state.get() ) );
+    trStreamSetPropertyCstrStore( trace.get(), "inNwInterfaceState", -1, store.get() );
     extState = std::move( state );
+    unannounced_ = true;
+}
+
+pb::Ref<struct pbSignal> in___NwInterfaceImp::assertUpdate()
+{
+    unannounced_ = false;
     pbSignalAssert( update.get() );
     return std::exchange( update, pb::adopt( pbSignalCreate() ) );
+}
+
+void in___NwInterfaceImp::refresh()
+{
+    publish( read() );
+    pbTimerUnschedule( timer.get() );
+    prProcessSchedule( process.get() );
+}
+
+std::optional<ifreq> in___NwInterfaceImp::request() const
+{
+    ifreq request = {};
+    if ( !name || strlen( name.get() ) >= sizeof( request.ifr_name ) )
+        return std::nullopt;
+    memcpy( request.ifr_name, name.get(), strlen( name.get() ) );
+    return request;
 }
 
 State in___NwInterfaceImp::read() const
@@ -210,14 +181,13 @@ State in___NwInterfaceImp::read() const
 // Each query that fails leaves its fields unset.
 void in___NwInterfaceImp::readLink( State &state ) const
 {
-    ifreq request = {};
-    if ( !controlSocket.fd || strlen( name.get() ) >= sizeof( request.ifr_name ) )
+    const auto named = request();
+    if ( !controlSocket.fd || !named )
         return;
-    memcpy( request.ifr_name, name.get(), strlen( name.get() ) );
-    readStatus( controlSocket.fd.get(), request, state );
-    readHardwareAddress( controlSocket.fd.get(), request, state );
-    readMtu( controlSocket.fd.get(), request, state );
-    readSpeed( controlSocket.fd.get(), request, state );
+    readStatus( controlSocket.fd.get(), *named, state );
+    readHardwareAddress( controlSocket.fd.get(), *named, state );
+    readMtu( controlSocket.fd.get(), *named, state );
+    readSpeed( controlSocket.fd.get(), *named, state );
 }
 
 void in___NwInterfaceImp::readLayer3( State &state ) const

@@ -10,6 +10,7 @@ PB_DECLS_BEGIN
 
 struct in___NwInterfaceImp;
 struct inAddress;
+struct inNetwork;
 struct inNwInterfaceState;
 struct pbSignalable;
 struct pbString;
@@ -37,6 +38,21 @@ struct inNwInterfaceState *in___NwInterfaceImpState( const struct in___NwInterfa
 void in___NwInterfaceImpUpdateAddSignalable( struct in___NwInterfaceImp *imp, struct pbSignalable *signalable );
 void in___NwInterfaceImpUpdateDelSignalable( struct in___NwInterfaceImp *imp, struct pbSignalable *signalable );
 void in___NwInterfaceImpTraceCompleteAnchor( struct in___NwInterfaceImp *imp, struct trAnchor *anchor );
+
+// Change the interface, with the monitor held until the kernel has answered; the state is read anew at once. False when
+// the interface has ended or the kernel does not do it; *optionalError is then the error number that says why, 0 when
+// there is none.
+// status IN_NW_INTERFACE_STATUS_...
+pbBool in___NwInterfaceImpTrySetStatus( struct in___NwInterfaceImp *imp, pbInt status, pbInt *optionalError );
+// With the prefix length of the network, which contains the address, if it has one; else with the full length. A new
+// IPv4 address is announced to the link.
+pbBool in___NwInterfaceImpTrySetLayer3UnicastAddress( struct in___NwInterfaceImp *imp, const struct inAddress *inAddress,
+                                                      const struct inNetwork *optionalInNetwork,
+                                                      pbInt *optionalError );
+// True also when the interface does not have the address. The kernel refuses for IPv6 unless the address was set with
+// its full length.
+pbBool in___NwInterfaceImpTryDelLayer3UnicastAddress( struct in___NwInterfaceImp *imp, const struct inAddress *inAddress,
+                                                      pbInt *optionalError );
 
 // The process function; the argument is the imp.
 void in___NwInterfaceImpProcessFunc( struct pbObj *argument );
