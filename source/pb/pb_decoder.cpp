@@ -2,17 +2,19 @@
 #include "pb/pb_decoder.h"
 
 #include "pb/pb_buffer.h"
+#include "pb/pb_decoder.hpp"
 #include "pb/pb_object.hpp"
 
 PB_SORT_DECLARE( pb___sort_PB_DECODER )
 
 struct pbDecoder final : pb::Object<struct pbDecoder, pb___sort_PB_DECODER> {
     const pb::Ref<struct pbBuffer> buffer;
-    pbInt offset = 0;
+    pb::ByteReader reader;
 
-    explicit pbDecoder( const struct pbBuffer *source ) : buffer( pb::share( source ) ) {}
-    pbInt remaining() const { return pbBufferLength( buffer.get() ) - offset; }
-    const uint8_t *bytes() const { return pbBufferBacking( buffer.get() ) + offset; }
+    explicit pbDecoder( const struct pbBuffer *source )
+        : buffer( pb::share( source ) ), reader( pbBufferBacking( source ), pbBufferLength( source ) )
+    {
+    }
 };
 
 PB_OBJECT_DEFINE( pbDecoder, pb___sort_PB_DECODER )
@@ -28,13 +30,13 @@ struct pbDecoder *pbDecoderCreate( const struct pbBuffer *buffer )
 pbInt pbDecoderRemaining( const struct pbDecoder *decoder )
 {
     PB_ASSERT( decoder );
-    return decoder->remaining();
+    return decoder->reader.remaining();
 }
 
 pbInt pbDecoderOffset( const struct pbDecoder *decoder )
 {
     PB_ASSERT( decoder );
-    return decoder->offset;
+    return decoder->reader.offset();
 }
 
 pbBool pbDecoderTryReadByte( struct pbDecoder *decoder, uint8_t *byte )
@@ -47,12 +49,7 @@ pbBool pbDecoderTryReadBytes( struct pbDecoder *decoder, uint8_t *bytes, pbInt c
     PB_ASSERT( decoder );
     PB_ASSERT( bytes || count == 0 );
     PB_ASSERT( count >= 0 );
-    if ( count > decoder->remaining() )
-        return false;
-    if ( count )
-        std::memcpy( bytes, decoder->bytes(), static_cast<size_t>( count ) );
-    decoder->offset += count;
-    return true;
+    return decoder->reader.tryRead( bytes, count );
 }
 
 pbBool pbDecoderTryRead( struct pbDecoder *decoder, struct pbBuffer **buffer, pbInt count )
@@ -60,11 +57,11 @@ pbBool pbDecoderTryRead( struct pbDecoder *decoder, struct pbBuffer **buffer, pb
     PB_ASSERT( decoder );
     PB_ASSERT( buffer );
     PB_ASSERT( count >= 0 );
-    if ( count > decoder->remaining() )
+    const uint8_t *bytes = decoder->reader.bytes();
+    if ( !decoder->reader.trySkip( count ) )
         return false;
-    auto read = pb::adopt( pbBufferCreateFromBytes( decoder->bytes(), count ) );
+    auto read = pb::adopt( pbBufferCreateFromBytes( bytes, count ) );
     pb::adopt( std::exchange( *buffer, read.release() ) ).reset();
-    decoder->offset += count;
     return true;
 }
 
@@ -72,10 +69,7 @@ pbBool pbDecoderTrySkip( struct pbDecoder *decoder, pbInt count )
 {
     PB_ASSERT( decoder );
     PB_ASSERT( count >= 0 );
-    if ( count > decoder->remaining() )
-        return false;
-    decoder->offset += count;
-    return true;
+    return decoder->reader.trySkip( count );
 }
 
 } // extern "C"

@@ -1,9 +1,8 @@
 // pbVector: a ring of references, so that both ends are as cheap to take from as to add to.
-#include "pb/pb_vector.h"
-
-#include "pb/pb_object.hpp"
+#include "pb/pb_vector.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <vector>
 
 PB_SORT_DECLARE( pb___sort_PB_VECTOR )
@@ -89,6 +88,22 @@ void insertShared( struct pbVector **vector, size_t index, const struct pbObj *o
 extern "C" {
 
 struct pbVector *pbVectorCreate( void ) { return new pbVector; }
+
+struct pbVector *pb___VectorCreateWithRoom( pbInt count )
+{
+    PB_ASSERT( count >= 0 );
+    auto vector = pb::make<struct pbVector>();
+    if ( count )
+        vector->ring.resize( std::bit_ceil( static_cast<size_t>( count ) ) );
+    return vector.release();
+}
+
+void pb___VectorAppendAdopted( struct pbVector *vector, struct pbObj *obj )
+{
+    PB_ASSERT( vector );
+    PB_ASSERT( obj );
+    vector->insert( vector->length, pb::adopt( obj ) );
+}
 
 struct pbVector *pbVectorCreateFrom( const struct pbVector *source )
 {
