@@ -1,4 +1,4 @@
-// Written by nameprep_table_generate, from GNU libidn: what nameprep leaves alone.
+// Written by tools/nameprep_table.cpp from GNU libidn: what nameprep leaves alone.
 #include "rfc/rfc_nameprep.hpp"
 
 const uint8_t rfc::detail::nameprepIndex[] = {

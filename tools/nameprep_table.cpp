@@ -1,5 +1,5 @@
 // Writes rfc_nameprep_table.cpp: the code points that nameprep leaves alone, by asking GNU libidn about each.
-//     nameprep_table_generate > source/rfc/rfc_nameprep_table.cpp
+//     nameprep_table > source/rfc/rfc_nameprep_table.cpp
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -66,7 +66,7 @@ int main()
             leaves.push_back( leaf );
     }
 
-    std::puts( "// Written by nameprep_table_generate, from GNU libidn: what nameprep leaves alone.\n"
+    std::puts( "// Written by tools/nameprep_table.cpp from GNU libidn: what nameprep leaves alone.\n"
                "#include \"rfc/rfc_nameprep.hpp\"\n\nconst uint8_t rfc::detail::nameprepIndex[] = {" );
     for ( size_t i = 0; i < index.size(); ++i )
         std::printf( "%s%zu,%s", i % 32 == 0 ? "    " : "", index[i], i % 32 == 31 ? "\n" : "" );
