@@ -160,7 +160,7 @@ Finding keyProblem( const struct csKey &key, const JsonValue &value )
         const bool isNames = key.kind == CS_KEY_ENUM && !value.isContainer();
         const std::vector<std::string> near =
             isNames ? nearestNames( value.text, namesOf( key ) ) : std::vector<std::string>();
-        return { problem, expectedText( key ), near.empty() ? "" : near[0] };
+        return { problem, expectedText( key ), near.size() == 1 ? near[0] : "" }; // of two it may be either
     }
     return key.kind == CS_KEY_FLAGS ? flagsProblem( key, value.text ) : Finding();
 }

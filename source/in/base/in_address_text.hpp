@@ -16,6 +16,21 @@ int quick( std::u32string_view text, uint8_t *bytes );
 bool patientV4( const struct pbString *text, uint8_t *bytes );
 bool patientV6( const struct pbString *text, uint8_t *bytes );
 
+// The texts that the readers take, as regular expressions (ECMA-262) for editors: an address, and one with "/" and a
+// prefix length behind it, or without. Numbers may have any number of leading zeros, which "-0" shows to be numbers.
+#define IN___TEXT_OCTET "(?:-0+|0*(?:25[0-5]|2[0-4][0-9]|1[0-9][0-9]|[1-9]?[0-9]))"
+#define IN___TEXT_V4 IN___TEXT_OCTET "(?:[.]" IN___TEXT_OCTET "){3}"
+#define IN___TEXT_GROUP "(?:-0+|0*[0-9A-Fa-f]{1,4})"
+#define IN___TEXT_GROUPS "(?:" IN___TEXT_GROUP "(?::" IN___TEXT_GROUP ")*)?"
+#define IN___TEXT_V6                                                                                                   \
+    "(?:" IN___TEXT_GROUP "(?::" IN___TEXT_GROUP "){7}|(?:" IN___TEXT_GROUP ":){6}" IN___TEXT_V4                       \
+    "|(?!(?:[^:]*:){8})" IN___TEXT_GROUPS "::" IN___TEXT_GROUPS "|(?!(?:[^:]*:){7})" IN___TEXT_GROUPS                  \
+    "::(?:" IN___TEXT_GROUP ":)*" IN___TEXT_V4 ")"
+inline constexpr const char *addressPattern = "^\\s*(?:" IN___TEXT_V4 "|" IN___TEXT_V6 ")\\s*$";
+inline constexpr const char *networkPattern =
+    "^\\s*(?:" IN___TEXT_V4 "\\s*(?:/(?:-0*[01]|0*(?:3[0-2]|[12]?[0-9])))?|" IN___TEXT_V6
+    "\\s*(?:/(?:-0*[01]|0*(?:12[0-8]|1[01][0-9]|[1-9]?[0-9])))?)$";
+
 // Longest results: "255.255.255.255", eight groups of four digits, and brackets around those.
 inline constexpr size_t capacity = 48;
 inline constexpr pbInt groupCount = 8; // of 16 bits, in an IPv6 address

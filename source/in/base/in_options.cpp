@@ -2,6 +2,7 @@
 #include "in/base/in_options.h"
 
 #include "in/base/in_address.h"
+#include "in/base/in_address_text.hpp"
 #include "in/base/in_address_version.h"
 #include "in/base/in_address_version_internal.h"
 #include "in/base/in_flags.h"
@@ -42,29 +43,42 @@ struct pbStore *storeUdpOptions( const struct inUdpOptions *options, pbBool )
 }
 
 using in::form::Row;
+using in::form::Told;
 
 constexpr auto form = std::tuple{
-    Row{ "flags", &inOptions::flags, in::form::Flags{ inFlagsToString, inFlagsFromString, in___FlagsNames },
+    Row{ "flags", &inOptions::flags,
+         Told{ in::form::Flags{ inFlagsToString, inFlagsFromString, in___FlagsNames },
+               "Flags of the stack; IN_FLAG_LOOPBACK_ONLY admits loopback addresses alone" },
          in::form::always },
-    Row{ "interface", &inOptions::interface, in::form::Text{}, in::form::whenPresent },
+    Row{ "interface", &inOptions::interface,
+         Told{ in::form::Text{}, "The name of the network interface whose addresses are admitted" },
+         in::form::whenPresent },
     Row{ "network", &inOptions::network,
-         in::form::TextOf<struct inNetwork>{ inNetworkToString, inNetworkTryCreateFromString,
-                                             "an IP address, or one with a prefix length such as 10.0.0.0/8" },
+         Told{ in::form::TextOf<struct inNetwork>{ inNetworkToString, inNetworkTryCreateFromString,
+                                                   "an IP address, or one with a prefix length such as 10.0.0.0/8",
+                                                   nullptr, in::text::networkPattern },
+               "The network in which the stack's address must lie" },
          in::form::whenPresent },
     Row{ "addressVersion", &inOptions::addressVersion,
-         in::form::Enumeration{ inAddressVersionToString, inAddressVersionFromString, in___AddressVersionNames },
+         Told{ in::form::Enumeration{ inAddressVersionToString, inAddressVersionFromString, in___AddressVersionNames },
+               "The version of the stack's address" },
          in::form::whenPresent },
     Row{ "address", &inOptions::address,
-         in::form::TextOf<struct inAddress>{ inAddressToString, inAddressTryCreateFromString, "an IP address" },
+         Told{ in::form::TextOf<struct inAddress>{ inAddressToString, inAddressTryCreateFromString, "an IP address",
+                                                   nullptr, in::text::addressPattern },
+               "The one address that the stack may have" },
          in::form::whenPresent },
     Row{ "dnsOptions", &inOptions::dnsOptions,
-         in::form::StoreOf<struct inDnsOptions>{ inDnsOptionsStore, inDnsOptionsRestore, in___DnsOptionsKeys },
+         Told{ in::form::StoreOf<struct inDnsOptions>{ inDnsOptionsStore, inDnsOptionsRestore, in___DnsOptionsKeys },
+               "How the stack resolves names" },
          in::form::unlessDefault },
     Row{ "tcpOptions", &inOptions::tcpOptions,
-         in::form::StoreOf<struct inTcpOptions>{ inTcpOptionsStore, inTcpOptionsRestore, in___TcpOptionsKeys },
+         Told{ in::form::StoreOf<struct inTcpOptions>{ inTcpOptionsStore, inTcpOptionsRestore, in___TcpOptionsKeys },
+               "How the stack opens TCP channels" },
          in::form::unlessDefault },
     Row{ "udpOptions", &inOptions::udpOptions,
-         in::form::StoreOf<struct inUdpOptions>{ storeUdpOptions, inUdpOptionsRestore, in___UdpOptionsKeys },
+         Told{ in::form::StoreOf<struct inUdpOptions>{ storeUdpOptions, inUdpOptionsRestore, in___UdpOptionsKeys },
+               "How the stack opens UDP channels" },
          in::form::unlessDefault },
 };
 

@@ -148,6 +148,7 @@ template <class T> struct TextOf {
     T *( *tryFromString )( const struct pbString *text );
     const char *expected;
     pbBool ( *accepts )( const T *value ) = nullptr;
+    const char *pattern = nullptr; // see cs_key.h
 
     void write( struct pbStore **store, const char *key, const pb::Ref<T> &value, pbBool ) const
     {
@@ -162,7 +163,7 @@ template <class T> struct TextOf {
         value = stored;
         return true;
     }
-    csKey describe( csKey & ) const { return { .kind = CS_KEY_TEXT, .expected = expected }; }
+    csKey describe( csKey & ) const { return { .kind = CS_KEY_TEXT, .expected = expected, .pattern = pattern }; }
 };
 
 // A value object by a store of its own.
@@ -170,6 +171,7 @@ template <class T> struct StoreOf {
     struct pbStore *( *toStore )( const T *value, pbBool storeDefaults );
     T *( *tryRestore )( const struct pbStore *store );
     const csKey *( *keys )( pbInt *count ) = nullptr;
+    uint64_t flags = 0; // CS_KEY_FLAG_...
 
     void write( struct pbStore **store, const char *key, const pb::Ref<T> &value, pbBool storeDefaults ) const
     {
@@ -185,7 +187,7 @@ template <class T> struct StoreOf {
     }
     csKey describe( csKey & ) const
     {
-        csKey key{ .kind = CS_KEY_STORE };
+        csKey key{ .kind = CS_KEY_STORE, .flags = flags };
         if ( keys )
             key.keys = keys( &key.keyCount );
         return key;
@@ -229,6 +231,22 @@ template <class T, class Entry> struct SetOf {
         return { .kind = CS_KEY_ARRAY, .keys = &entryKey, .keyCount = 1 };
     }
 };
+
+// A codec with what people are told of the key: a sentence without its full stop.
+template <class Codec> struct Told : Codec {
+    const char *description;
+    uint64_t flags = 0; // CS_KEY_FLAG_...
+
+    csKey describe( csKey &entryKey ) const
+    {
+        csKey key = Codec::describe( entryKey );
+        key.description = description;
+        key.flags |= flags;
+        return key;
+    }
+};
+template <class Codec> Told( Codec, const char * ) -> Told<Codec>;
+template <class Codec> Told( Codec, const char *, uint64_t ) -> Told<Codec>;
 
 template <class T, class Member, class Codec> struct Row {
     const char *key;

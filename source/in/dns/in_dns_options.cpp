@@ -23,19 +23,28 @@ PB_OBJECT_DEFINE( inDnsOptions, in___sort_IN_DNS_OPTIONS )
 
 namespace {
 
+using in::form::Boolean;
+using in::form::Row;
+using in::form::Told;
+using in::form::unlessDefault;
+
 constexpr in::form::Integer milliseconds{ 0, PB_INT_MAX, "milliseconds, 0 or greater" };
 
 constexpr auto form = std::tuple{
-    in::form::Row{ "maxBlockDuration", &inDnsOptions::maxBlockDuration, milliseconds, in::form::unlessDefault },
-    in::form::Row{ "disableQueryAddresses", &inDnsOptions::disableQueryAddresses, in::form::Boolean{},
-                   in::form::unlessDefault },
-    in::form::Row{ "disableQueryDomainNames", &inDnsOptions::disableQueryDomainNames, in::form::Boolean{},
-                   in::form::unlessDefault },
-    in::form::Row{ "disableQuerySrv", &inDnsOptions::disableQuerySrv, in::form::Boolean{}, in::form::unlessDefault },
-    in::form::Row{ "cacheTimeout", &inDnsOptions::cacheTimeout, milliseconds, in::form::unlessDefault },
+    Row{ "maxBlockDuration", &inDnsOptions::maxBlockDuration,
+         Told{ milliseconds, "How long a blocking query waits for its answer" }, unlessDefault },
+    Row{ "disableQueryAddresses", &inDnsOptions::disableQueryAddresses,
+         Told{ Boolean{}, "Refuses queries from names to addresses" }, unlessDefault },
+    Row{ "disableQueryDomainNames", &inDnsOptions::disableQueryDomainNames,
+         Told{ Boolean{}, "Refuses queries from addresses to names" }, unlessDefault },
+    Row{ "disableQuerySrv", &inDnsOptions::disableQuerySrv, Told{ Boolean{}, "Refuses queries for SRV records" },
+         unlessDefault },
+    Row{ "cacheTimeout", &inDnsOptions::cacheTimeout,
+         Told{ milliseconds, "How long the stack's cache keeps a positive answer" }, unlessDefault },
     // Kept as systems know it: the stored value goes to the cache timeout, also over the one read before it.
-    in::form::Row{ "negativeCacheTimeout", &inDnsOptions::negativeCacheTimeout, milliseconds, in::form::unlessDefault,
-                   &inDnsOptions::cacheTimeout },
+    Row{ "negativeCacheTimeout", &inDnsOptions::negativeCacheTimeout,
+         Told{ milliseconds, "Read in the place of cacheTimeout, which it replaces" }, unlessDefault,
+         &inDnsOptions::cacheTimeout },
 };
 
 } // namespace

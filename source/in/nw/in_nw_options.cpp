@@ -4,6 +4,7 @@
 #include "cs/cs_condition.h"
 #include "cs/cs_configuration.h"
 #include "in/base/in_address.h"
+#include "in/base/in_address_text.hpp"
 #include "in/base/in_network.h"
 #include "in/base/in_store_form.hpp"
 #include "in/nw/in_nw_options_internal.h"
@@ -43,22 +44,33 @@ struct RecordName : in::form::Text {
     }
     csKey describe( csKey & ) const
     {
-        return { .kind = CS_KEY_TEXT, .expected = "a record name: 1 to 255 letters, digits, \"_\", \"-\", \".\"" };
+        return { .kind = CS_KEY_TEXT,
+                 .expected = "a record name: 1 to 255 letters, digits, \"_\", \"-\", \".\"",
+                 .recordSort = "CS_CONDITION" };
     }
 };
 
 using in::form::Row;
+using in::form::Told;
 
 constexpr auto form = std::tuple{
-    Row{ "interfaceIdentifier", &inNwOptions::interfaceIdentifier, in::form::Text{}, in::form::whenPresent },
-    Row{ "csConditionName", &inNwOptions::csConditionName, RecordName{}, in::form::whenPresent },
-    Row{ "status", &inNwOptions::status, in::form::Boolean{}, in::form::always },
+    Row{ "interfaceIdentifier", &inNwOptions::interfaceIdentifier,
+         Told{ in::form::Text{}, "The name of the network interface to configure" }, in::form::whenPresent },
+    Row{ "csConditionName", &inNwOptions::csConditionName,
+         Told{ RecordName{}, "The condition that must be true; while it is not the interface is let go" },
+         in::form::whenPresent },
+    Row{ "status", &inNwOptions::status,
+         Told{ in::form::Boolean{}, "Brings the interface up, and down again when it is let go" }, in::form::always },
     Row{ "layer3UnicastAddress", &inNwOptions::layer3UnicastAddress,
-         in::form::TextOf<struct inAddress>{ inAddressToString, inAddressTryCreateFromString, "an IP address" },
+         Told{ in::form::TextOf<struct inAddress>{ inAddressToString, inAddressTryCreateFromString, "an IP address",
+                                                   nullptr, in::text::addressPattern },
+               "The address to put on the interface", CS_KEY_FLAG_UNIQUE },
          in::form::whenPresent },
     Row{ "layer3Network", &inNwOptions::layer3Network,
-         in::form::TextOf<struct inNetwork>{ inNetworkToString, inNetworkTryCreateFromString,
-                                             "the network of the address, such as 10.0.0.0/8" },
+         Told{ in::form::TextOf<struct inNetwork>{ inNetworkToString, inNetworkTryCreateFromString,
+                                                   "the network of the address, such as 10.0.0.0/8", nullptr,
+                                                   in::text::networkPattern },
+               "The network of that address, which gives it its prefix length" },
          in::form::whenPresent },
 };
 

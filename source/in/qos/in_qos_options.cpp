@@ -55,19 +55,25 @@ PB_OBJECT_DEFINE( inQosOptions, in___sort_IN_QOS_OPTIONS )
 namespace {
 
 using in::form::Enumeration;
+using in::form::Row;
+using in::form::Told;
 
 constexpr auto form = std::tuple{
-    in::form::Row{ "defaults", &inQosOptions::defaults,
-                   Enumeration{ inQosDefaultsToString, inQosDefaultsFromString, in___QosDefaultsNames },
-                   in::form::always },
-    in::form::Row{ "layer3Tos", &inQosOptions::layer3Tos, in::form::HexadecimalByte{}, in::form::unlessDefault },
-    in::form::Row{ "layer2Pcp", &inQosOptions::layer2Pcp,
-                   Enumeration{ inQosLayer2PcpToString, inQosLayer2PcpFromString, in___QosLayer2PcpNames },
-                   in::form::unlessDefault },
-    in::form::Row{ "windowsTrafficType", &inQosOptions::windowsTrafficType,
-                   Enumeration{ inQosWindowsTrafficTypeToString, inQosWindowsTrafficTypeFromString,
-                                in___QosWindowsTrafficTypeNames },
-                   in::form::unlessDefault },
+    Row{ "defaults", &inQosOptions::defaults,
+         Told{ Enumeration{ inQosDefaultsToString, inQosDefaultsFromString, in___QosDefaultsNames },
+               "The profile that gives the settings that are not given" },
+         in::form::always },
+    Row{ "layer3Tos", &inQosOptions::layer3Tos,
+         Told{ in::form::HexadecimalByte{}, "The traffic class octet of the IP header" }, in::form::unlessDefault },
+    Row{ "layer2Pcp", &inQosOptions::layer2Pcp,
+         Told{ Enumeration{ inQosLayer2PcpToString, inQosLayer2PcpFromString, in___QosLayer2PcpNames },
+               "The priority of the link layer, set as the priority of the socket" },
+         in::form::unlessDefault },
+    Row{ "windowsTrafficType", &inQosOptions::windowsTrafficType,
+         Told{ Enumeration{ inQosWindowsTrafficTypeToString, inQosWindowsTrafficTypeFromString,
+                            in___QosWindowsTrafficTypeNames },
+               "The traffic type on Windows hosts" },
+         in::form::unlessDefault },
 };
 
 } // namespace

@@ -38,18 +38,29 @@ struct pbStore *storePortRange( const struct inTcpPortRange *range, pbBool )
     return inTcpPortRangeStore( range );
 }
 
+using in::form::Boolean;
+using in::form::Row;
+using in::form::Told;
+using in::form::unlessDefault;
+
 constexpr in::form::Integer milliseconds{ 1, PB_INT_MAX, "milliseconds, greater than 0" };
 
 constexpr auto form = std::tuple{
-    in::form::Row{
-        "portRange", &inTcpOptions::portRange,
-        in::form::StoreOf<struct inTcpPortRange>{ storePortRange, inTcpPortRangeTryRestore, in___TcpPortRangeKeys },
-        in::form::whenPresent },
-    in::form::Row{ "blacklistEnabled", &inTcpOptions::blacklistEnabled, in::form::Boolean{}, in::form::unlessDefault },
-    in::form::Row{ "blacklistTimeout", &inTcpOptions::blacklistTimeout, milliseconds, in::form::unlessDefault },
-    in::form::Row{ "blacklistGranularity", &inTcpOptions::blacklistGranularity, milliseconds, in::form::unlessDefault },
-    in::form::Row{ "keepAliveEnabled", &inTcpOptions::keepAliveEnabled, in::form::Boolean{}, in::form::unlessDefault },
-    in::form::Row{ "keepAliveTime", &inTcpOptions::keepAliveTime, milliseconds, in::form::unlessDefault },
+    Row{ "portRange", &inTcpOptions::portRange,
+         Told{ in::form::StoreOf<struct inTcpPortRange>{ storePortRange, inTcpPortRangeTryRestore,
+                                                         in___TcpPortRangeKeys, CS_KEY_FLAG_WHOLE },
+               "The local ports to choose from; without it the system chooses" },
+         in::form::whenPresent },
+    Row{ "blacklistEnabled", &inTcpOptions::blacklistEnabled,
+         Told{ Boolean{}, "Passes over peers for a while that could not be reached" }, unlessDefault },
+    Row{ "blacklistTimeout", &inTcpOptions::blacklistTimeout,
+         Told{ milliseconds, "How long such a peer is passed over" }, unlessDefault },
+    Row{ "blacklistGranularity", &inTcpOptions::blacklistGranularity,
+         Told{ milliseconds, "How exact that time is; kept for systems that read it" }, unlessDefault },
+    Row{ "keepAliveEnabled", &inTcpOptions::keepAliveEnabled,
+         Told{ Boolean{}, "Probes connections on which nothing happens" }, unlessDefault },
+    Row{ "keepAliveTime", &inTcpOptions::keepAliveTime,
+         Told{ milliseconds, "How long nothing happens before a connection is probed" }, unlessDefault },
 };
 
 } // namespace

@@ -22,8 +22,11 @@ PB_OBJECT_DEFINE( inTcpPortRange, in___sort_IN_TCP_PORT_RANGE )
 namespace {
 
 constexpr auto form = std::tuple{
-    in::form::Row{ "firstPort", &inTcpPortRange::firstPort, in::form::Integer{ 1, 65535 }, in::form::always },
-    in::form::Row{ "count", &inTcpPortRange::count, in::form::Integer{ 0, 65535 }, in::form::always },
+    in::form::Row{ "firstPort", &inTcpPortRange::firstPort,
+                   in::form::Told{ in::form::Integer{ 1, 65535 }, "The lowest port" }, in::form::always },
+    in::form::Row{ "count", &inTcpPortRange::count,
+                   in::form::Told{ in::form::Integer{ 0, 65535 }, "How many ports, up to port 65535" },
+                   in::form::always },
 };
 
 } // namespace

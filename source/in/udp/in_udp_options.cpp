@@ -26,7 +26,9 @@ struct pbStore *storePortRange( const struct inUdpPortRange *range, pbBool )
 constexpr auto form = std::tuple{
     in::form::Row{
         "portRange", &inUdpOptions::portRange,
-        in::form::StoreOf<struct inUdpPortRange>{ storePortRange, inUdpPortRangeTryRestore, in___UdpPortRangeKeys },
+        in::form::Told{ in::form::StoreOf<struct inUdpPortRange>{ storePortRange, inUdpPortRangeTryRestore,
+                                                                  in___UdpPortRangeKeys, CS_KEY_FLAG_WHOLE },
+                        "The local ports to choose from; without it the system chooses" },
         in::form::whenPresent },
 };
 

@@ -22,8 +22,11 @@ PB_OBJECT_DEFINE( inUdpPortRange, in___sort_IN_UDP_PORT_RANGE )
 namespace {
 
 constexpr auto form = std::tuple{
-    in::form::Row{ "firstPort", &inUdpPortRange::firstPort, in::form::Integer{ 1, 65535 }, in::form::always },
-    in::form::Row{ "count", &inUdpPortRange::count, in::form::Integer{ 0, 65535 }, in::form::always },
+    in::form::Row{ "firstPort", &inUdpPortRange::firstPort,
+                   in::form::Told{ in::form::Integer{ 1, 65535 }, "The lowest port" }, in::form::always },
+    in::form::Row{ "count", &inUdpPortRange::count,
+                   in::form::Told{ in::form::Integer{ 0, 65535 }, "How many ports, up to port 65535" },
+                   in::form::always },
 };
 
 } // namespace
