@@ -1,81 +1,49 @@
-// csConfiguration: a configuration file's records, and the live objects made of them.
+// csConfiguration: what programs call of a configuration.
 #include "cs/cs_configuration.h"
 
-#include "cs/cs_configuration_internal.h"
-#include "cs/cs_json_reader_internal.h"
-#include "cs/cs_status_reporter.h"
+#include "cs/cs_configuration_imp_internal.h"
+#include "cs/cs_sort_backend_internal.h"
 #include "cs/cs_text_file_internal.h"
-#include "pb/pb_assert.hpp"
-#include "pb/pb_string.hpp"
 #include "pb/pb_vector.h"
-#include "tr/tr.hpp"
 
-PB_SORT_DECLARE( cs___sort_CS_CONFIGURATION )
-
-struct csConfiguration final : pb::Object<struct csConfiguration, cs___sort_CS_CONFIGURATION> {
-    explicit csConfiguration( std::vector<cs::Record> parsed )
-        : records( std::move( parsed ) ), stream( pb::adopt( trStreamCreateCstr( "CS_CONFIGURATION", -1 ) ) ),
-          objects( records.size() )
-    {
-    }
-    ~csConfiguration() { stop(); }
-
-    pb::Ref<struct pbObj> create( const cs::Record &record ) const
-    {
-        const pb::String name = pb::string( record.name );
-        const pb::String sortName = pb::string( pbSortName( record.sort->sort ) );
-        const cs::Call call( record.sort );
-        if ( !call ) {
-            tr::text( stream.get(), "[csConfigurationStart()] name: %s, sort: %s, module not running", name, sortName );
-            return nullptr;
-        }
-        const auto anchor = pb::adopt( trAnchorCreateWithAnnotationCstr(
-            stream.get(), TR_ANCHOR_KIND_PLAIN, record.name.data(), static_cast<pbInt>( record.name.size() ) ) );
-        auto obj = pb::adopt( record.sort->tryCreate( record.optionalStore.get(), anchor.get() ) );
-        tr::text( stream.get(), "[csConfigurationStart()] name: %s, sort: %s, created: %b", name, sortName,
-                  static_cast<bool>( obj ) );
-        return obj;
-    }
-    void stop()
-    {
-        for ( size_t i = records.size(); i-- > 0; ) {
-            pb::Ref<struct pbObj> obj; // released after leaving the monitor: that runs code of its sort
-            pb::Guard guard( monitor );
-            std::swap( obj, objects[i] );
-        }
-        pb::Guard guard( monitor );
-        started = false;
-    }
-    const cs::Record &at( pbInt index ) const { return records[static_cast<size_t>( index )]; }
-    pb::Ref<struct pbObj> objectAt( size_t index ) const
-    {
-        pb::Guard guard( monitor );
-        return objects[index];
-    }
-
-    const std::vector<cs::Record> records; // in the order of the file
-    const pb::Ref<struct trStream> stream;
-    mutable pb::Monitor monitor;
-    bool started PB_GUARDED_BY( monitor ) = false;
-    std::vector<pb::Ref<struct pbObj>> objects PB_GUARDED_BY( monitor ); // of the records, or null
-};
-
-PB_OBJECT_DEFINE( csConfiguration, cs___sort_CS_CONFIGURATION )
+#include <optional>
 
 namespace {
 
-void setVector( struct pbVector **vector, pb::Ref<struct pbVector> value )
-{
-    pbVectorRelease( *vector );
-    *vector = value.release();
-}
-
-struct csConfiguration *parse( std::string_view bytes, const struct pbString *name, struct pbVector **messages )
+// Null and the problems, or what the text says and no problems.
+std::optional<cs::Loaded> parse( std::string text, const struct pbString *name, const std::string &path,
+                                 struct pbVector **messages )
 {
     cs::Problems problems;
-    std::vector<cs::Record> records = cs::parseConfiguration( bytes, problems );
-    setVector( messages, problems.messages( pb::utf8( name ), bytes ) );
-    return problems.empty() ? pb::make<struct csConfiguration>( std::move( records ) ).release() : nullptr;
+    cs::ParsedConfiguration parsed = cs::parseConfiguration( text, problems );
+    cs::setVector( messages, problems.messages( pb::utf8( name ), text ) );
+    if ( !problems.empty() )
+        return std::nullopt;
+    return cs::loadedFrom( std::move( parsed ), path, std::move( text ) );
+}
+
+std::optional<cs::Loaded> load( const struct pbString *path, struct pbVector **messages )
+{
+    std::string text;
+    const std::string reason = cs::readTextFile( path, text );
+    if ( reason.empty() )
+        return parse( std::move( text ), path, pb::utf8( path ), messages );
+    cs::Problems unreadable;
+    unreadable.add( 0, {}, cs::unreadableFile( reason ) );
+    cs::setVector( messages, unreadable.messages( pb::utf8( path ), "" ) );
+    return std::nullopt;
+}
+
+struct csConfiguration *made( std::optional<cs::Loaded> loaded )
+{
+    return loaded ? pb::make<struct csConfiguration>( std::move( *loaded ) ).release() : nullptr;
+}
+
+pb::Ref<struct csRecord> recordAt( const struct csConfiguration *configuration, pbInt index )
+{
+    pb::Guard guard( configuration->monitor );
+    PB_ASSERT( index >= 0 && static_cast<size_t>( index ) < configuration->records.size() );
+    return configuration->records[static_cast<size_t>( index )];
 }
 
 } // namespace
@@ -84,14 +52,7 @@ extern "C" struct csConfiguration *csConfigurationTryLoad( const struct pbString
 {
     PB_ASSERT( path );
     PB_ASSERT( problems );
-    std::string bytes;
-    const std::string reason = cs::readTextFile( path, bytes );
-    if ( reason.empty() )
-        return parse( bytes, path, problems );
-    cs::Problems unreadable;
-    unreadable.add( 0, {}, cs::unreadableFile( reason ) );
-    setVector( problems, unreadable.messages( pb::utf8( path ), "" ) );
-    return nullptr;
+    return made( load( path, problems ) );
 }
 
 extern "C" struct csConfiguration *csConfigurationTryParse( const void *bytes, pbInt byteCount,
@@ -101,22 +62,14 @@ extern "C" struct csConfiguration *csConfigurationTryParse( const void *bytes, p
     PB_ASSERT( bytes || byteCount == 0 );
     PB_ASSERT( name );
     PB_ASSERT( problems );
-    return parse( { static_cast<const char *>( bytes ), static_cast<size_t>( byteCount ) }, name, problems );
+    const std::string_view text( static_cast<const char *>( bytes ), static_cast<size_t>( byteCount ) );
+    return made( parse( std::string( text ), name, "", problems ) );
 }
 
 extern "C" void csConfigurationStart( struct csConfiguration *configuration )
 {
     PB_ASSERT( configuration );
-    {
-        pb::Guard guard( configuration->monitor );
-        if ( std::exchange( configuration->started, true ) )
-            return;
-    }
-    for ( size_t i = 0; i < configuration->records.size(); ++i ) {
-        pb::Ref<struct pbObj> obj = configuration->create( configuration->records[i] );
-        pb::Guard guard( configuration->monitor );
-        std::swap( configuration->objects[i], obj );
-    }
+    configuration->start();
 }
 
 extern "C" void csConfigurationStop( struct csConfiguration *configuration )
@@ -125,49 +78,109 @@ extern "C" void csConfigurationStop( struct csConfiguration *configuration )
     configuration->stop();
 }
 
+extern "C" void csConfigurationApply( struct csConfiguration *configuration, const struct csConfiguration *next,
+                                      struct pbVector **optionalChanges )
+{
+    PB_ASSERT( configuration );
+    PB_ASSERT( next );
+    configuration->apply( next->current(), optionalChanges );
+}
+
+extern "C" pbBool csConfigurationTryReload( struct csConfiguration *configuration, const struct pbString *path,
+                                            struct pbVector **problems, struct pbVector **optionalChanges )
+{
+    PB_ASSERT( configuration );
+    PB_ASSERT( path );
+    PB_ASSERT( problems );
+    const cs::TurnTaken taken( configuration->turn ); // read under it: what was read last is applied last
+    const std::optional<cs::Loaded> next = load( path, problems );
+    if ( next )
+        configuration->applyNow( *next, optionalChanges );
+    return next.has_value();
+}
+
+extern "C" struct pbStore *csConfigurationTree( struct csConfiguration *configuration )
+{
+    PB_ASSERT( configuration );
+    return configuration->tree().release();
+}
+
+extern "C" pbBool csConfigurationTrySave( struct csConfiguration *configuration, const struct pbString *path,
+                                          struct pbString **problem )
+{
+    PB_ASSERT( configuration );
+    PB_ASSERT( path );
+    PB_ASSERT( problem );
+    const std::string what = configuration->trySave( path );
+    if ( what.empty() )
+        return true;
+    pbStringRelease( *problem );
+    *problem = pb::string( pb::utf8( path ) + ": " + what ).release();
+    return false;
+}
+
+extern "C" void csConfigurationUpdateAddSignalable( struct csConfiguration *configuration,
+                                                    struct pbSignalable *signalable )
+{
+    PB_ASSERT( configuration );
+    PB_ASSERT( signalable );
+    pb::Guard guard( configuration->monitor );
+    pbSignalAddSignalable( configuration->update.get(), signalable );
+}
+
+extern "C" void csConfigurationUpdateDelSignalable( struct csConfiguration *configuration,
+                                                    struct pbSignalable *signalable )
+{
+    PB_ASSERT( configuration );
+    PB_ASSERT( signalable );
+    pb::Guard guard( configuration->monitor );
+    pbSignalDelSignalable( configuration->update.get(), signalable );
+}
+
+extern "C" struct pbVector *csConfigurationRecords( const struct csConfiguration *configuration )
+{
+    PB_ASSERT( configuration );
+    auto records = pb::adopt( pbVectorCreate() );
+    for ( const auto &record : configuration->currentRecords() )
+        pbVectorAppend( records.address(), csRecordObj( record.get() ) );
+    return records.release();
+}
+
 extern "C" pbInt csConfigurationLength( const struct csConfiguration *configuration )
 {
     PB_ASSERT( configuration );
+    pb::Guard guard( configuration->monitor );
     return static_cast<pbInt>( configuration->records.size() );
 }
 
 extern "C" struct pbString *csConfigurationNameAt( const struct csConfiguration *configuration, pbInt index )
 {
     PB_ASSERT( configuration );
-    PB_ASSERT( index >= 0 && index < csConfigurationLength( configuration ) );
-    return pb::string( configuration->at( index ).name ).release();
+    return csRecordName( recordAt( configuration, index ).get() );
 }
 
 extern "C" struct pbString *csConfigurationSortNameAt( const struct csConfiguration *configuration, pbInt index )
 {
     PB_ASSERT( configuration );
-    PB_ASSERT( index >= 0 && index < csConfigurationLength( configuration ) );
-    return pb::string( pbSortName( configuration->at( index ).sort->sort ) ).release();
+    return csRecordSortName( recordAt( configuration, index ).get() );
 }
 
 extern "C" struct pbStore *csConfigurationStoreAt( const struct csConfiguration *configuration, pbInt index )
 {
     PB_ASSERT( configuration );
-    PB_ASSERT( index >= 0 && index < csConfigurationLength( configuration ) );
-    const auto &store = configuration->at( index ).optionalStore;
-    return store ? store.share() : pbStoreCreate();
+    return csRecordStore( recordAt( configuration, index ).get() );
 }
 
 extern "C" struct pbObj *csConfigurationObjectAt( const struct csConfiguration *configuration, pbInt index )
 {
     PB_ASSERT( configuration );
-    PB_ASSERT( index >= 0 && index < csConfigurationLength( configuration ) );
-    return configuration->objectAt( static_cast<size_t>( index ) ).release();
+    return csRecordObject( recordAt( configuration, index ).get() );
 }
 
 extern "C" struct csStatusReporter *csConfigurationStatusAt( const struct csConfiguration *configuration, pbInt index )
 {
     PB_ASSERT( configuration );
-    PB_ASSERT( index >= 0 && index < csConfigurationLength( configuration ) );
-    const auto &sort = configuration->at( index ).sort;
-    const auto obj = configuration->objectAt( static_cast<size_t>( index ) );
-    const cs::Call call( sort );
-    return obj && call && sort->status ? sort->status( obj.get() ) : nullptr;
+    return csRecordStatus( recordAt( configuration, index ).get() );
 }
 
 extern "C" struct pbObj *csConfigurationObject( const struct csConfiguration *configuration,
@@ -177,9 +190,10 @@ extern "C" struct pbObj *csConfigurationObject( const struct csConfiguration *co
     PB_ASSERT( name );
     PB_ASSERT( sort );
     const std::string text = pb::utf8( name );
-    for ( size_t i = 0; i < configuration->records.size(); ++i )
-        if ( configuration->records[i].name == text )
-            return configuration->records[i].sort->sort == sort ? configuration->objectAt( i ).release() : nullptr;
+    pb::Guard guard( configuration->monitor );
+    for ( const auto &record : configuration->records )
+        if ( record->name == text && record->sort->sort == sort )
+            return record->optionalObject.share();
     return nullptr;
 }
 

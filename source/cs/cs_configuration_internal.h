@@ -14,8 +14,14 @@ struct Record {
     pb::Ref<struct pbStore> optionalStore;
 };
 
-// Adds all problems; the records are of use only when there are none.
-std::vector<Record> parseConfiguration( std::string_view bytes, Problems &problems );
+struct ParsedConfiguration {
+    std::vector<Record> records;     // in the order of the file
+    pb::Ref<struct pbStore> modules; // "modules" as the updates left it, or an empty store
+};
+
+// Runs the updates on what the text says and checks the outcome. Adds all problems; the result is of use only when
+// there are none.
+ParsedConfiguration parseConfiguration( std::string_view bytes, Problems &problems );
 
 // A record name of ASCII text: see csObjectRecordNameOk.
 bool recordNameOk( std::string_view name );

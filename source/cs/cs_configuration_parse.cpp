@@ -1,7 +1,10 @@
-// Reads the records of a configuration: {"objects": {NAME: {"sort": ..., "config": {...}}}}.
+// Reads the records of a configuration: {"objects": {NAME: {"sort": ..., "config": {...}}}, "modules": {...}}.
 #include "cs/cs_config_check_internal.h"
 #include "cs/cs_configuration_internal.h"
 #include "cs/cs_key_internal.h"
+#include "cs/cs_migration_internal.h"
+#include "cs/cs_update_internal.h"
+#include "pb/pb_module_version.h"
 
 #include <algorithm>
 
@@ -9,7 +12,7 @@ namespace cs {
 namespace {
 
 class ConfigurationParser {
-public:
+  public:
     explicit ConfigurationParser( Problems &problems ) : problems_( problems ) {}
 
     void parse( JsonValue &root )
@@ -18,8 +21,12 @@ public:
             return;
         JsonMember *objects = nullptr;
         for ( JsonMember &member : root.members )
-            if ( isKnownOnce( member, { "", printable( member.key ) }, { "objects" } ) )
-                objects = &member;
+            if ( isKnownOnce( member, { "", printable( member.key ) }, { TreeObjects, TreeModules } ) ) {
+                if ( member.key == TreeObjects )
+                    objects = &member;
+                else if ( isObject( member.value, { "", TreeModules }, "an object of module names" ) )
+                    parseModules( member.value );
+            }
         if ( !objects && root.complete )
             problems_.add( root.offset, {}, { "the key \"objects\" is missing", "{\"objects\": {...}}" } );
         if ( !objects || !isObject( objects->value, { "", "objects" }, "an object of named objects" ) )
@@ -29,9 +36,31 @@ public:
         checkTogether( subjects_, root.complete, problems_ );
     }
 
-    std::vector<Record> records;
+    ParsedConfiguration parsed{ {}, pb::adopt( pbStoreCreate() ) };
 
-private:
+  private:
+    void parseModules( JsonValue &modules )
+    {
+        for ( JsonMember &module : modules.members ) {
+            const std::string path = TreeModules + ( "." + printable( module.key ) );
+            if ( module.duplicate )
+                problems_.add( module.keyOffset, { "", path }, { "the name stands twice", "once" } );
+            if ( !isObject( module.value, { "", path }, "an object of \"version\" and \"info\"" ) )
+                continue;
+            for ( JsonMember &member : module.value.members ) {
+                const Subject subject{ "", path + "." + printable( member.key ) };
+                if ( !isKnownOnce( member, subject, { TreeVersion, TreeInfo } ) )
+                    continue;
+                if ( member.key == TreeInfo )
+                    (void)isObject( member.value, subject, "an object" ); // told; its content is the module's own
+                else if ( const std::string &text = member.value.text;
+                          member.value.complete && !pb::adopt( pbModuleVersionTryCreateFromCstr(
+                                                       text.data(), static_cast<pbInt>( text.size() ) ) ) )
+                    problems_.add( member.value.offset, subject, { "no version", "\"MAJOR.MINOR\"" } );
+            }
+        }
+        parsed.modules = storeFromJson( modules );
+    }
     void parseRecord( JsonMember &record )
     {
         const std::string path = record.key.empty() ? "\"\"" : printable( record.key );
@@ -51,7 +80,8 @@ private:
             problems_.add( record.value.offset, { path }, { "the key \"sort\" is missing", expectedSort() } );
         const bool configOk = !config || isObject( config->value, { path, "config" }, "an object" );
         const std::shared_ptr<Sort> known = sort ? findSort( sort->value, { path, "sort" } ) : nullptr;
-        subjects_.push_back( { record.key, path, known, record.keyOffset, configOk && config ? &config->value : nullptr } );
+        subjects_.push_back(
+            { record.key, path, known, record.keyOffset, configOk && config ? &config->value : nullptr } );
         if ( !known || !configOk )
             return;
         if ( const Call call( known ); !call )
@@ -59,7 +89,7 @@ private:
                            { "the module of this sort is not running", "it started" } );
         else if ( config )
             checkConfig( *known, config->value, path, problems_ );
-        records.push_back( { record.key, known, config ? storeFromJson( config->value ) : nullptr } );
+        parsed.records.push_back( { record.key, known, config ? storeFromJson( config->value ) : nullptr } );
     }
 
     std::shared_ptr<Sort> findSort( const JsonValue &value, const Subject &subject )
@@ -112,21 +142,22 @@ private:
 bool recordNameOk( std::string_view name )
 {
     const auto ok = []( char c ) {
-        return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '_' || c == '-'
-               || c == '.';
+        return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '_' ||
+               c == '-' || c == '.';
     };
     return !name.empty() && name.size() <= 255 && std::all_of( name.begin(), name.end(), ok );
 }
 
-std::vector<Record> parseConfiguration( std::string_view bytes, Problems &problems )
+ParsedConfiguration parseConfiguration( std::string_view bytes, Problems &problems )
 {
     JsonValue root;
     const JsonError error = readJson( bytes, root );
+    migrate( root );
     ConfigurationParser parser( problems );
     parser.parse( root );
     if ( !error.text.empty() )
         problems.add( error.offset, {}, { error.text } );
-    return std::move( parser.records );
+    return std::move( parser.parsed );
 }
 
 } // namespace cs

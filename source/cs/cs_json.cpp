@@ -1,6 +1,7 @@
 // Stores to JSON text and back.
 #include "cs/cs_json.h"
 
+#include "cs/cs_json_internal.h"
 #include "cs/cs_json_reader_internal.h"
 #include "cs/cs_key_internal.h"
 #include "pb/pb_assert.hpp"
@@ -27,17 +28,8 @@ bool isPlainInteger( std::u32string_view text )
     return value <= ( pbInt{ 1 } << 53 ) - 1;
 }
 
-bool isArray( const struct pbStore *store )
-{
-    const pbInt length = pbStoreLength( store );
-    for ( pbInt i = 0; i < length; ++i )
-        if ( const auto key = pb::adopt( pbStoreKeyAt( store, i ) ); pb::utf8( key ) != std::to_string( i ) )
-            return false;
-    return length > 0;
-}
-
 class Writer {
-public:
+  public:
     explicit Writer( bool pretty ) : pretty_( pretty ) {}
 
     void writeStore( const struct pbStore *store, bool asArray, Keys keys )
@@ -67,7 +59,7 @@ public:
                                                    static_cast<pbInt>( text_.size() ) ) );
     }
 
-private:
+  private:
     void writeMember( const struct pbStore *store, pbInt index, const struct csKey *optionalKey )
     {
         if ( const auto sub = pb::adopt( pbStoreStoreAt( store, index ) ) ) {
@@ -104,11 +96,13 @@ private:
         if ( c == U'"' || c == U'\\' ) {
             text_ += U'\\';
             text_ += c;
-        } else if ( c < 0x20 || ( c >= 0x7F && c < 0xA0 ) ) { // DEL and C1 need no escape, but a terminal obeys them
+        }
+        else if ( c < 0x20 || ( c >= 0x7F && c < 0xA0 ) ) { // DEL and C1 need no escape, but a terminal obeys them
             text_ += U"\\u00";
             text_ += U"0123456789abcdef"[c >> 4];
             text_ += U"0123456789abcdef"[c & 15];
-        } else
+        }
+        else
             text_ += PB_CHAR_OK( c ) ? c : U'\uFFFD';
     }
     void newLine()
@@ -126,13 +120,23 @@ private:
 
 bool hasNullOrDuplicate( const JsonValue &value )
 {
-    return value.kind == JsonValue::Kind::Null
-           || std::any_of( value.members.begin(), value.members.end(), []( const JsonMember &member ) {
-                  return member.duplicate || hasNullOrDuplicate( member.value );
-              } );
+    return value.kind == JsonValue::Kind::Null ||
+           std::any_of( value.members.begin(), value.members.end(), []( const JsonMember &member ) {
+               return member.duplicate || hasNullOrDuplicate( member.value );
+           } );
 }
 
 } // namespace
+
+bool isArray( const struct pbStore *store )
+{
+    const pbInt length = pbStoreLength( store );
+    for ( pbInt i = 0; i < length; ++i )
+        if ( const auto key = pb::adopt( pbStoreKeyAt( store, i ) ); pb::utf8( key ) != std::to_string( i ) )
+            return false;
+    return length > 0;
+}
+
 } // namespace cs
 
 extern "C" struct pbString *csJsonFromStoreWithKeys( const struct pbStore *store, pbInt style, const struct csKey *keys,

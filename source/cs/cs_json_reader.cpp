@@ -16,7 +16,7 @@ using nlohmann::json;
 
 // Walks the text and keeps its position outside, where the handler reads it while the parser owns the iterator.
 class CountingIterator {
-public:
+  public:
     using iterator_category = std::input_iterator_tag;
     using value_type = char;
     using difference_type = std::ptrdiff_t;
@@ -38,7 +38,7 @@ public:
     }
     bool operator==( const CountingIterator &other ) const { return at_ == other.at_; }
 
-private:
+  private:
     const char *at_;
     const char **position_;
 };
@@ -46,8 +46,8 @@ private:
 // Bytes of numbers and of the literals true, false, null; of what was meant as one, too.
 bool isWordByte( char c )
 {
-    return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '+' || c == '-'
-           || c == '.';
+    return ( c >= '0' && c <= '9' ) || ( c >= 'a' && c <= 'z' ) || ( c >= 'A' && c <= 'Z' ) || c == '+' || c == '-' ||
+           c == '.';
 }
 
 // The library says "[...] parse error at line 1, column 2: syntax error while parsing value - WHAT; last read: 'TEXT';
@@ -75,7 +75,7 @@ struct SyntaxError {
 };
 
 class Reader {
-public:
+  public:
     Reader( std::string_view bytes, JsonValue &root ) : bytes_( bytes ), position_( bytes.data() ), root_( root ) {}
 
     JsonError read()
@@ -88,17 +88,17 @@ public:
     }
 
     // Events of the parser; false ends the pass.
-    bool null() { return scalar( JsonValue::Kind::Null, wordStart( consumed() ), "null" ); }
+    bool null() { return scalar( JsonValue::Kind::Null, wordStart( consumed() ), consumed(), "null" ); }
     bool boolean( bool value )
     {
-        return scalar( JsonValue::Kind::Bool, wordStart( consumed() ), value ? "true" : "false" );
+        return scalar( JsonValue::Kind::Bool, wordStart( consumed() ), consumed(), value ? "true" : "false" );
     }
     bool number_integer( json::number_integer_t ) { return number(); }
     bool number_unsigned( json::number_unsigned_t ) { return number(); }
     bool number_float( json::number_float_t, const std::string & ) { return number(); }
     bool string( std::string &value )
     {
-        return scalar( JsonValue::Kind::String, quoteStart( consumed() ), std::move( value ) );
+        return scalar( JsonValue::Kind::String, quoteStart( consumed() ), consumed(), std::move( value ) );
     }
     bool binary( json::binary_t & ) { return false; } // no part of JSON text
     bool start_object( size_t ) { return open( JsonValue::Kind::Object ); }
@@ -123,7 +123,7 @@ public:
         return false;
     }
 
-private:
+  private:
     struct Level {
         JsonValue *value; // stays where it is until its level is closed
         std::set<std::string> keys{};
@@ -179,12 +179,13 @@ private:
         value->offset = offset;
         return value;
     }
-    bool scalar( JsonValue::Kind kind, size_t offset, std::string text )
+    bool scalar( JsonValue::Kind kind, size_t offset, size_t end, std::string text )
     {
         JsonValue *value = place( kind, offset );
         if ( !value )
             return false;
         value->text = std::move( text );
+        value->end = end;
         value->complete = true;
         return true;
     }
@@ -193,7 +194,7 @@ private:
         // The lexer has read one byte beyond the number, unless the text ends with it.
         const size_t end = isWordByte( bytes_[consumed() - 1] ) ? consumed() : consumed() - 1;
         const size_t start = wordStart( end );
-        return scalar( JsonValue::Kind::Number, start, std::string( bytes_.substr( start, end - start ) ) );
+        return scalar( JsonValue::Kind::Number, start, end, std::string( bytes_.substr( start, end - start ) ) );
     }
     bool open( JsonValue::Kind kind )
     {
@@ -211,6 +212,7 @@ private:
     bool close()
     {
         levels_.back().value->complete = true;
+        levels_.back().value->end = consumed();
         levels_.pop_back();
         return true;
     }
@@ -238,8 +240,8 @@ size_t utf8Length( std::string_view text )
         if ( ( byte( i ) & 0xC0 ) != 0x80 )
             return 0;
     const unsigned second = byte( 1 );
-    const bool outside = ( first == 0xE0 && second < 0xA0 ) || ( first == 0xED && second > 0x9F )
-                         || ( first == 0xF0 && second < 0x90 ) || ( first == 0xF4 && second > 0x8F );
+    const bool outside = ( first == 0xE0 && second < 0xA0 ) || ( first == 0xED && second > 0x9F ) ||
+                         ( first == 0xF0 && second < 0x90 ) || ( first == 0xF4 && second > 0x8F );
     return outside ? 0 : length;
 }
 

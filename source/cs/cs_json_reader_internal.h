@@ -24,6 +24,7 @@ struct JsonValue {
 
     Kind kind = Kind::Null;
     size_t offset = 0;               // of its first byte
+    size_t end = 0;                  // the offset behind its last byte, of complete ones
     bool complete = false;           // false where the text ended inside it
     std::string text{};              // of Null, Bool, Number (as written) and String (without escapes)
     std::vector<JsonMember> members; // of Object and Array

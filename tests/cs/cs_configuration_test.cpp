@@ -114,7 +114,7 @@ TEST( CsConfiguration, RefusesWhatIsNotJsonInUtf8 )
         { "{\"objects\" \"x\\\"y\"}", { "1:12: error: not JSON: unexpected string literal, expected ':'" } },
         { "{\"objects\": {} /* end", { "1:22: error: not JSON: invalid comment; missing closing '*/'" } },
         { "\xEF\xBB\xBF{\"a\\u00e9\xC3\xA9\": 1, x",
-          { "1:2: error: a\xC3\xA9\xC3\xA9: unknown key, expected objects",
+          { "1:2: error: a\xC3\xA9\xC3\xA9: unknown key, expected one of objects, modules",
             "1:17: error: not JSON: invalid literal" } },
         // Not UTF-8, in a string, in a comment, cut off at the end; NUL, which would end the text.
         { "{\"obj\xC0\x80\": {}}", { "1:6: error: not UTF-8, expected JSON text in UTF-8" } },
