@@ -26,6 +26,7 @@
 #include "in/filter/in_filter.h"
 #include "in/map/in_map_stack.h"
 #include "in/nw/in_nw_address.h"
+#include "in/nw/in_nw_address_choice.h"
 #include "in/nw/in_nw_address_type.h"
 #include "in/nw/in_nw_interface.h"
 #include "in/nw/in_nw_interface_flags.h"

@@ -1,8 +1,10 @@
 // How the configuration service makes, reads and changes stacks.
 #include "cs/cs_sort_backend.h"
+#include "cs/cs_warnings.h"
 #include "in/base/in_options.h"
 #include "in/base/in_options_internal.h"
 #include "in/base/in_stack_internal.h"
+#include "in/base/in_stack_warnings_internal.h"
 #include "pb/pb_global.hpp"
 #include "pb/pb_store.h"
 
@@ -51,6 +53,7 @@ void in___StackCsStartup( void )
     pbInt keyCount = 0;
     const struct csKey *keys = in___OptionsKeys( &keyCount );
     csSortBackendSetKeys( backend.get(), keys, keyCount );
+    csSortBackendSetWarnings( backend.get(), in___StackWarningsFunc );
 }
 
 void in___StackCsShutdown( void )

@@ -1,7 +1,10 @@
 // inDnsOptions: the DNS part of a stack's options.
 #include "in/dns/in_dns_options.h"
 
+#include "cs/cs_warnings.h"
+
 #include "in/base/in_store_form.hpp"
+#include "pb/pb_format.hpp"
 #include "in/dns/in_dns_options_internal.h"
 
 PB_SORT_DECLARE( in___sort_IN_DNS_OPTIONS )
@@ -228,6 +231,17 @@ struct pbStore *inDnsOptionsStore( const struct inDnsOptions *opt, pbBool storeA
 {
     PB_ASSERT( opt );
     return in::form::store( *opt, form, storeAll ).release();
+}
+
+void in___DnsOptionsWarn( const struct pbStore *optionalStore, const char *key, struct csWarnings *warnings )
+{
+    const struct inDnsOptions defaults;
+    if ( !optionalStore || !pbStoreHasValueCstr( optionalStore, "negativeCacheTimeout", -1 ) )
+        return;
+    csWarningsAdd( warnings, ( std::string( key ) + ".negativeCacheTimeout" ).c_str(),
+                   pb::format( "replaces \"cacheTimeout\"; failed answers are kept for %i ms all the same",
+                               defaults.negativeCacheTimeout.value )
+                       .get() );
 }
 
 struct inDnsOptions *inDnsOptionsRestore( const struct pbStore *store )

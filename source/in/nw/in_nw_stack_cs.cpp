@@ -1,8 +1,10 @@
 // How the configuration service makes, reads and changes interface configuration stacks.
 #include "cs/cs_sort_backend.h"
+#include "cs/cs_warnings.h"
 #include "in/nw/in_nw_options.h"
 #include "in/nw/in_nw_options_internal.h"
 #include "in/nw/in_nw_stack_internal.h"
+#include "in/nw/in_nw_stack_warnings_internal.h"
 #include "pb/pb_global.hpp"
 #include "pb/pb_store.h"
 
@@ -51,6 +53,7 @@ void in___NwStackCsStartup( void )
     pbInt keyCount = 0;
     const struct csKey *keys = in___NwOptionsKeys( &keyCount );
     csSortBackendSetKeys( backend.get(), keys, keyCount );
+    csSortBackendSetWarnings( backend.get(), in___NwStackWarningsFunc );
 }
 
 void in___NwStackCsShutdown( void )

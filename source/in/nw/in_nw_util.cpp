@@ -5,10 +5,12 @@
 #include "in/base/in_flags.h"
 #include "in/base/in_network.h"
 #include "in/base/in_options.h"
+#include "in/nw/in_nw_address_choice.h"
 #include "in/nw/in_nw_interface_state.h"
 #include "in/nw/in_nw_interfaces.h"
 #include "in/nw/in_nw_util_internal.h"
-#include "pb/pb_string.h"
+#include "pb/pb_store.h"
+#include "pb/pb_string.hpp"
 #include "pb/pb_vector.h"
 
 #include <algorithm>
@@ -29,12 +31,16 @@ public:
     {
     }
 
-    bool admits( const struct inAddress *candidate ) const
+    void collectExcluding( const struct inAddress *candidate, std::vector<const char *> &keys ) const
     {
-        return ( !hasVersion_ || inAddressVersion( candidate ) == version_ ) &&
-               ( !network_ || inNetworkContainsAddress( network_.get(), candidate ) ) &&
-               ( !address_ || inAddressEquals( address_.get(), candidate ) ) &&
-               ( !loopbackOnly_ || inAddressIsLoopback( candidate ) );
+        if ( hasVersion_ && inAddressVersion( candidate ) != version_ )
+            keys.push_back( "addressVersion" );
+        if ( network_ && !inNetworkContainsAddress( network_.get(), candidate ) )
+            keys.push_back( "network" );
+        if ( address_ && !inAddressEquals( address_.get(), candidate ) )
+            keys.push_back( "address" );
+        if ( loopbackOnly_ && !inAddressIsLoopback( candidate ) )
+            keys.push_back( "flags" );
     }
 
 private:
@@ -46,10 +52,15 @@ private:
 };
 
 // The classes are two apart, so that the previous address wins inside its class only.
-pbInt score( const struct inAddress *candidate, const struct inAddress *previous )
+struct AddressClass {
+    const char *kind;
+    pbInt score;
+};
+AddressClass classOf( const struct inAddress *candidate )
 {
-    const pbInt ofClass = inAddressIsLoopback( candidate ) ? 2 : inAddressIsLinkLocalUnicast( candidate ) ? 4 : 8;
-    return ofClass + ( previous && inAddressEquals( candidate, previous ) );
+    if ( inAddressIsLoopback( candidate ) )
+        return { "loopback", 2 };
+    return inAddressIsLinkLocalUnicast( candidate ) ? AddressClass{ "link-local", 4 } : AddressClass{ "other", 8 };
 }
 
 pb::Ref<struct pbVector> unicastAddresses( const in::InterfaceSnapshot &snapshot )
@@ -66,44 +77,87 @@ Interfaces currentInterfaces()
     return interfaces;
 }
 
+std::vector<in::InterfaceSnapshot> snapshotsOf( const Interfaces &interfaces )
+{
+    std::vector<in::InterfaceSnapshot> snapshots;
+    for ( const auto &iface : interfaces )
+        snapshots.push_back(
+            { pb::adopt( inNwInterfaceIdentifier( iface.get() ) ), pb::adopt( inNwInterfaceState( iface.get() ) ) } );
+    return snapshots;
+}
+
 template <class T> void replace( T **reference, pb::Ref<T> value )
 {
     const auto previous = pb::adopt( *reference );
     *reference = value.release();
 }
 
+pb::Ref<struct pbStore> storeOf( const in::AddressCandidate &candidate, const in::InterfaceSnapshot &snapshot )
+{
+    auto excludedBy = pb::adopt( pbStoreCreate() );
+    for ( const char *key : candidate.excludedBy )
+        pbStoreArrayAppendValue( excludedBy.address(), pb::string( key ).get() );
+    auto store = pb::adopt( pbStoreCreate() );
+    pbStoreSetValueCstr( store.address(), "address", -1,
+                         pb::adopt( inAddressToString( candidate.address.get() ) ).get() );
+    pbStoreSetValueCstr( store.address(), "interface", -1, snapshot.identifier.get() );
+    pbStoreSetStoreCstr( store.address(), "excludedBy", -1, excludedBy.get() );
+    pbStoreSetValueCstr( store.address(), "class", -1, pb::string( candidate.kind ).get() );
+    pbStoreSetValueIntCstr( store.address(), "score", -1, candidate.score );
+    return store;
+}
+
 } // namespace
 
 namespace in {
+
+std::vector<const char *> excludingOptions( const struct inOptions *options, const struct inAddress *address )
+{
+    std::vector<const char *> keys;
+    Demand( options ).collectExcluding( address, keys );
+    return keys;
+}
+
+std::vector<AddressCandidate> examineAddresses( const struct inOptions *options,
+                                                const struct inAddress *previousAddress,
+                                                const std::vector<InterfaceSnapshot> &snapshots )
+{
+    const Demand demand( options );
+    const auto wantedInterface = pb::adopt( inOptionsInterface( options ) );
+    std::vector<AddressCandidate> candidates;
+    for ( size_t index = 0; index < snapshots.size(); ++index ) {
+        const auto addresses = unicastAddresses( snapshots[index] );
+        for ( pbInt at = 0; at < pbVectorLength( addresses.get() ); ++at ) {
+            auto address = pb::adopt( inAddressFrom( pbVectorObjAt( addresses.get(), at ) ) );
+            const auto [kind, classScore] = classOf( address.get() );
+            AddressCandidate &candidate = candidates.emplace_back( AddressCandidate{ address, index, {}, kind, 0 } );
+            if ( wantedInterface && snapshots[index].identifier != wantedInterface )
+                candidate.excludedBy.push_back( "interface" );
+            demand.collectExcluding( address.get(), candidate.excludedBy );
+            if ( candidate.excludedBy.empty() )
+                candidate.score = classScore + ( previousAddress && inAddressEquals( address.get(), previousAddress ) );
+        }
+    }
+    return candidates;
+}
 
 AddressChoice chooseAddress( const struct inOptions *options, const struct inAddress *previousAddress,
                              std::optional<size_t> previousPrimaryInterface,
                              const std::vector<InterfaceSnapshot> &snapshots )
 {
-    const Demand demand( options );
-    const auto wantedInterface = pb::adopt( inOptionsInterface( options ) );
     AddressChoice choice;
-    std::optional<size_t> named;
+    // Only a higher score replaces the best: of equals the first one stays, repetitions change nothing.
     pbInt bestScore = 0;
-    for ( size_t index = 0; index < snapshots.size(); ++index ) {
-        if ( wantedInterface ) {
-            if ( snapshots[index].identifier != wantedInterface )
-                continue;
-            named = index;
+    for ( AddressCandidate &candidate : examineAddresses( options, previousAddress, snapshots ) )
+        if ( candidate.score > bestScore ) {
+            bestScore = candidate.score;
+            choice.address = std::move( candidate.address );
         }
-        const auto addresses = unicastAddresses( snapshots[index] );
-        for ( pbInt at = 0; at < pbVectorLength( addresses.get() ); ++at ) {
-            auto candidate = pb::adopt( inAddressFrom( pbVectorObjAt( addresses.get(), at ) ) );
-            if ( !demand.admits( candidate.get() ) )
-                continue;
-            // Only a higher score replaces the best: of equals the first one stays, repetitions change nothing.
-            const pbInt candidateScore = score( candidate.get(), previousAddress );
-            if ( candidateScore > bestScore ) {
-                bestScore = candidateScore;
-                choice.address = std::move( candidate );
-            }
-        }
-    }
+    std::optional<size_t> named;
+    if ( const auto wantedInterface = pb::adopt( inOptionsInterface( options ) ) )
+        for ( size_t index = 0; index < snapshots.size(); ++index )
+            if ( snapshots[index].identifier == wantedInterface )
+                named = index;
 
     if ( choice.address )
         for ( size_t index = 0; index < snapshots.size(); ++index )
@@ -134,14 +188,11 @@ void in___NwUtilFindAddressAndInterface( const struct inOptions *options, struct
     PB_ASSERT( primaryInterface );
     PB_ASSERT( interfaces );
     const Interfaces current = currentInterfaces();
-    std::vector<in::InterfaceSnapshot> snapshots;
+    const std::vector<in::InterfaceSnapshot> snapshots = snapshotsOf( current );
     std::optional<size_t> previousPrimary;
-    for ( const auto &iface : current ) {
-        if ( iface.get() == *primaryInterface )
-            previousPrimary = snapshots.size();
-        snapshots.push_back(
-            { pb::adopt( inNwInterfaceIdentifier( iface.get() ) ), pb::adopt( inNwInterfaceState( iface.get() ) ) } );
-    }
+    for ( size_t index = 0; index < current.size(); ++index )
+        if ( current[index].get() == *primaryInterface )
+            previousPrimary = index;
 
     auto choice = in::chooseAddress( options, *address, previousPrimary, snapshots );
     auto chosen = pb::adopt( pbVectorCreate() );
@@ -166,4 +217,28 @@ void in___NwUtilInterfacesUpdateDelSignalable( struct pbSignalable *signalable )
     inNwInterfacesUpdateDelSignalable( signalable );
     for ( const auto &iface : currentInterfaces() )
         inNwInterfaceUpdateDelSignalable( iface.get(), signalable );
+}
+
+struct pbStore *inNwExplainAddressChoice( const struct inOptions *options, const struct inAddress *optionalPrevious )
+{
+    PB_ASSERT( options );
+    const std::vector<in::InterfaceSnapshot> snapshots = snapshotsOf( currentInterfaces() );
+    auto candidates = pb::adopt( pbStoreCreate() );
+    for ( const auto &candidate : in::examineAddresses( options, optionalPrevious, snapshots ) )
+        pbStoreArrayAppendStore( candidates.address(), storeOf( candidate, snapshots[candidate.interface] ).get() );
+    const auto choice = in::chooseAddress( options, optionalPrevious, std::nullopt, snapshots );
+    auto interfaces = pb::adopt( pbStoreCreate() );
+    for ( const size_t index : choice.interfaces )
+        pbStoreArrayAppendValue( interfaces.address(), snapshots[index].identifier.get() );
+
+    auto store = pb::adopt( pbStoreCreate() );
+    pbStoreSetStoreCstr( store.address(), "candidates", -1, candidates.get() );
+    if ( choice.address )
+        pbStoreSetValueCstr( store.address(), "address", -1,
+                             pb::adopt( inAddressToString( choice.address.get() ) ).get() );
+    pbStoreSetStoreCstr( store.address(), "interfaces", -1, interfaces.get() );
+    if ( choice.primaryInterface )
+        pbStoreSetValueCstr( store.address(), "primaryInterface", -1,
+                             snapshots[*choice.primaryInterface].identifier.get() );
+    return store.release();
 }

@@ -20,6 +20,23 @@ struct InterfaceSnapshot {
     pb::Ref<struct inNwInterfaceState> state;
 };
 
+// An address of an interface as the options see it.
+struct AddressCandidate {
+    pb::Ref<struct inAddress> address;
+    size_t interface;                     // index into the snapshots
+    std::vector<const char *> excludedBy; // keys of the options that do not admit it
+    const char *kind;                     // what its score is for: "loopback", "link-local", "other"
+    pbInt score;                          // 0 of one that is excluded; the highest wins, of equals the first
+};
+
+// Every unicast address of the host, in the order in which they are looked at. Here it is decided what is chosen.
+std::vector<AddressCandidate> examineAddresses( const struct inOptions *options,
+                                                const struct inAddress *previousAddress,
+                                                const std::vector<InterfaceSnapshot> &snapshots );
+
+// The keys of the options, other than the interface, that do not admit the address.
+std::vector<const char *> excludingOptions( const struct inOptions *options, const struct inAddress *address );
+
 struct AddressChoice {
     pb::Ref<struct inAddress> address;
     std::vector<size_t> interfaces; // indexes into the snapshots

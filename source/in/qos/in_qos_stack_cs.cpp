@@ -1,10 +1,15 @@
 // How the configuration service makes, reads and changes QoS stacks.
 #include "cs/cs_sort_backend.h"
+#include "cs/cs_warnings.h"
 #include "in/qos/in_qos_options.h"
 #include "in/qos/in_qos_options_internal.h"
 #include "in/qos/in_qos_stack_internal.h"
 #include "pb/pb_global.hpp"
+#include "pb/pb_fd.hpp"
 #include "pb/pb_store.h"
+#include "pb/pb_string.hpp"
+
+#include <sys/socket.h>
 
 namespace {
 
@@ -36,6 +41,28 @@ void in___QosStackTraceCompleteAnchorFunc( struct pbObj *obj, struct trAnchor *a
     inQosStackTraceCompleteAnchor( inQosStackFrom( obj ), anchor );
 }
 
+// Channels take what the system gives: a priority that it refuses is not set, and nobody is told.
+bool mayPrioritise( pbInt priority )
+{
+    const pb::Fd fd( ::socket( AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0 ) );
+    const int value = static_cast<int>( priority );
+    return !fd || ::setsockopt( fd.get(), SOL_SOCKET, SO_PRIORITY, &value, sizeof value ) == 0;
+}
+
+void in___QosStackWarningsFunc( const struct pbStore *config, pbBool online, struct csWarnings *warnings )
+{
+    const auto add = [&]( const char *key, const char *text ) {
+        csWarningsAdd( warnings, key, pb::string( text ).get() );
+    };
+    const auto options = pb::adopt( inQosOptionsRestore( config ) );
+    if ( inQosOptionsLayer3Tos( options.get() ) & 3 )
+        add( "layer3Tos", "the two lowest bits are those of congestion notification (RFC 3168), not of the class" );
+    if ( pbStoreHasValueCstr( config, "windowsTrafficType", -1 ) )
+        add( "windowsTrafficType", "has no effect on this system" );
+    if ( online && !mayPrioritise( inQosOptionsLayer2Pcp( options.get() ) ) )
+        add( "layer2Pcp", "a priority above 6 needs CAP_NET_ADMIN, which this process lacks: the sockets keep theirs" );
+}
+
 } // namespace
 
 void in___QosStackCsStartup( void )
@@ -46,6 +73,7 @@ void in___QosStackCsStartup( void )
     pbInt keyCount = 0;
     const struct csKey *keys = in___QosOptionsKeys( &keyCount );
     csSortBackendSetKeys( backend.get(), keys, keyCount );
+    csSortBackendSetWarnings( backend.get(), in___QosStackWarningsFunc );
 }
 
 void in___QosStackCsShutdown( void )
