@@ -21,10 +21,27 @@ struct testPhone final : pb::Object<struct testPhone, test___sort_TEST_PHONE> {
     static inline std::vector<std::string> events; // what happened to all of them
     static inline std::function<void()> onNormalize;
 
-    explicit testPhone( std::string phoneTitle ) : title( std::move( phoneTitle ) ) { events.push_back( "+" + title ); }
+    explicit testPhone( struct pbStore *optionalStore )
+        : store( optionalStore ? pb::share( optionalStore ) : pb::adopt( pbStoreCreate() ) ), title( titleOf() )
+    {
+        events.push_back( "+" + title );
+    }
     ~testPhone() { events.push_back( "-" + title ); }
 
-    const std::string title;
+    void configure( struct pbStore *newStore )
+    {
+        store = pb::share( newStore );
+        title = titleOf();
+        events.push_back( "=" + title );
+    }
+    std::string titleOf() const
+    {
+        const auto text = pb::adopt( pbStoreValueCstr( store.get(), "title", -1 ) );
+        return text ? pb::utf8( text ) : "untitled";
+    }
+
+    pb::Ref<struct pbStore> store;
+    std::string title;
     const pb::Ref<struct csStatusReporter> status = pb::adopt( csStatusReporterCreate( nullptr ) );
 };
 
@@ -142,18 +159,24 @@ inline struct pbStore *normalize( struct pbStore *config, pbBool storeDefaults )
 
 inline struct pbObj *tryCreate( struct pbStore *optionalStore, struct trAnchor * )
 {
-    const std::string title = optionalStore ? text( pb::share( optionalStore ), "title" ) : "untitled";
-    return title == "broken" ? nullptr : pb::make<struct testPhone>( title ).release();
+    const bool broken = optionalStore && text( pb::share( optionalStore ), "title" ) == "broken";
+    return broken ? nullptr : pb::make<struct testPhone>( optionalStore ).release();
 }
 
 // The module TEST with the sort TEST_PHONE.
 class TestSort {
-public:
+  public:
     explicit TestSort( bool withKeys = true )
         : sort( pb::adopt( csSortBackendCreate(
-              &test___sort_TEST_PHONE, tryCreate, []( struct pbObj *, pbBool ) { return pbStoreCreate(); },
-              []( struct pbObj *, struct pbStore * ) {}, normalize,
-              []( struct pbObj *obj ) { return static_cast<struct testPhone *>( obj )->status.share(); }, nullptr ) ) )
+              &test___sort_TEST_PHONE, tryCreate,
+              []( struct pbObj *obj, pbBool storeDefaults ) {
+                  return normalize( static_cast<struct testPhone *>( obj )->store.get(), storeDefaults );
+              },
+              []( struct pbObj *obj, struct pbStore *store ) {
+                  static_cast<struct testPhone *>( obj )->configure( store );
+              },
+              normalize, []( struct pbObj *obj ) { return static_cast<struct testPhone *>( obj )->status.share(); },
+              nullptr ) ) )
     {
         if ( withKeys )
             csSortBackendSetKeys( sort.get(), PhoneKeys, PB_SIZEOF_ARRAY( PhoneKeys ) );
