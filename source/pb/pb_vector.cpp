@@ -7,14 +7,33 @@
 
 PB_SORT_DECLARE( pb___sort_PB_VECTOR )
 
+namespace {
+
+// Short rings come from the memory of small objects.
+template <class T> struct SmallObjectAllocator {
+    using value_type = T;
+    T *allocate( size_t count ) { return static_cast<T *>( pb___MemoryAllocate( count * sizeof( T ) ) ); }
+    void deallocate( T *memory, size_t count ) { pb___MemoryFree( memory, count * sizeof( T ) ); }
+    bool operator==( const SmallObjectAllocator & ) const = default;
+};
+using Ring = std::vector<pb::Ref<pbObj>, SmallObjectAllocator<pb::Ref<pbObj>>>;
+
+} // namespace
+
 struct pbVector final : pb::Object<struct pbVector, pb___sort_PB_VECTOR> {
-    std::vector<pb::Ref<pbObj>> ring; // its size is zero or a power of two; what is not in use is null
+    Ring ring; // its size is zero or a power of two; what is not in use is null
     size_t head = 0;
     size_t length = 0;
 
     pb::Ref<pbObj> &at( size_t index ) { return ring[( head + index ) & ( ring.size() - 1 )]; }
     const pb::Ref<pbObj> &at( size_t index ) const { return ring[( head + index ) & ( ring.size() - 1 )]; }
 
+    void append( pb::Ref<pbObj> obj )
+    {
+        if ( length == ring.size() )
+            grow();
+        at( length++ ) = std::move( obj );
+    }
     void insert( size_t index, pb::Ref<pbObj> obj );
     void remove( size_t index );
 
@@ -35,7 +54,7 @@ PB_OBJECT_DEFINE( pbVector, pb___sort_PB_VECTOR )
 
 void pbVector::grow()
 {
-    std::vector<pb::Ref<pbObj>> larger( std::max<size_t>( 4, 2 * ring.size() ) );
+    Ring larger( std::max<size_t>( 4, 2 * ring.size() ) );
     for ( size_t i = 0; i < length; ++i )
         larger[i] = std::move( at( i ) );
     ring = std::move( larger );
@@ -102,7 +121,7 @@ void pb___VectorAppendAdopted( struct pbVector *vector, struct pbObj *obj )
 {
     PB_ASSERT( vector );
     PB_ASSERT( obj );
-    vector->insert( vector->length, pb::adopt( obj ) );
+    vector->append( pb::adopt( obj ) );
 }
 
 struct pbVector *pbVectorCreateFrom( const struct pbVector *source )

@@ -64,21 +64,21 @@ private:
     in::dns::NameTable names_;
 };
 
-pbInt Decoder::u8()
+inline pbInt Decoder::u8()
 {
     uint8_t len;
     PB_ASSERT_TEXT( reader_.tryRead( &len, 1 ), "pbDecoderTryReadByte( dec, &len )" );
     return len;
 }
 
-pbInt Decoder::u16()
+inline pbInt Decoder::u16()
 {
     uint8_t bytes[2];
     PB_ASSERT_TEXT( reader_.tryRead( bytes, 2 ), "pbDecoderTryReadBytes( dec, bytes, 2 )" );
     return bytes[0] << 8 | bytes[1];
 }
 
-uint32_t Decoder::u32()
+inline uint32_t Decoder::u32()
 {
     uint8_t bytes[4];
     PB_ASSERT_TEXT( reader_.tryRead( bytes, 4 ), "pbDecoderTryReadBytes( dec, bytes, 4 )" );

@@ -7,7 +7,7 @@ PB_SORT_DECLARE( in___sort_IN___DNS_LONG_NAME )
 
 namespace {
 
-constexpr uint8_t pointerBits = 0xC0;
+constexpr unsigned pointerBits = 0xC0;
 
 struct in___DnsLongName final : pb::Object<struct in___DnsLongName, in___sort_IN___DNS_LONG_NAME> {
     pb::Ref<struct pbBuffer> message;

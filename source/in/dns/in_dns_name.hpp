@@ -15,7 +15,8 @@ public:
     static constexpr size_t longestText = 1024;
 
     Name() = default; // the root
-    Name( const struct pbString *text ) : held_( pb::share( text ? pbStringObj( text ) : nullptr ) ) {}
+    Name( pb::String text ) : held_( pb::adopt( text ? pbStringObj( text.release() ) : nullptr ) ) {}
+    Name( const struct pbString *text ) : Name( pb::share( text ) ) {}
 
     // The name that starts at the offset of a message in which its labels and pointers were found valid.
     static Name inMessage( const struct pbBuffer *message, size_t offset );

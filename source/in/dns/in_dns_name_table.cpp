@@ -9,7 +9,7 @@ namespace in::dns {
 
 namespace {
 
-constexpr uint8_t pointerBits = 0xC0; // both set: a pointer; one alone is reserved
+constexpr unsigned pointerBits = 0xC0; // both set: a pointer; one alone is reserved
 
 } // namespace
 
@@ -23,69 +23,65 @@ NameTable::NameTable( const struct pbBuffer *message )
 bool NameTable::tryRead( pb::ByteReader &reader, Name &name )
 {
     const size_t first = suffixes_.size();
-    const auto end = readLabels( reader );
-    if ( !end )
+    const uint8_t *position = reader.bytes();
+    const uint8_t *const limit = position + reader.remaining();
+    Places places{ true, true }; // of the label before
+    while ( position < limit && *position && *position <= longestWireLabel ) {
+        const uint8_t *const label = position;
+        if ( *label >= limit - label || !places.mayPrecede || !appendLabel( label, places ) )
+            return false;
+        position += 1 + *label;
+    }
+    if ( position == limit )
         return false;
-    name = nameOf( complete( first, *end ) );
+    const uint32_t endOffset = offsetOf( position );
+    const Index rest = readEnd( position, limit, places );
+    if ( rest == none )
+        return false;
+    assign( name, complete( first, rest, endOffset ) );
+    return reader.trySkip( position - reader.bytes() );
+}
+
+// The zero or pointer behind the labels.
+NameTable::Index NameTable::readEnd( const uint8_t *&position, const uint8_t *limit, Places last ) const
+{
+    Index rest = root;
+    if ( const unsigned first = *position++ ) {
+        if ( first < pointerBits || position == limit )
+            return none;
+        const size_t target = ( first & ~pointerBits ) << 8 | *position++;
+        rest = target < offsetOf( limit ) ? at_[target] : none;
+    }
+    return ( rest == root ? last.mayBeLast : last.mayPrecede ) ? rest : none;
+}
+
+bool NameTable::appendLabel( const uint8_t *lengthByte, Places &places )
+{
+    const uint32_t length = *lengthByte;
+    Suffix &suffix = suffixes_.emplace_back( Suffix{ offsetOf( lengthByte ), length, root, 0, nullptr, true } );
+    if ( !isPlainLabel( lengthByte + 1, length, end_ ) )
+        return appendSpecialLabel( suffix, places );
+    places = { true, true };
     return true;
 }
 
-// Appends the labels to the suffixes; what they are followed by is known when the name has ended.
-std::optional<NameTable::End> NameTable::readLabels( pb::ByteReader &reader )
+bool NameTable::appendSpecialLabel( Suffix &suffix, Places &places )
 {
-    bool mayPrecede = true, mayBeLast = true; // the label before
-    for ( ;; ) {
-        if ( !reader.remaining() )
-            return std::nullopt;
-        const auto offset = static_cast<uint32_t>( reader.offset() );
-        const uint8_t first = *reader.bytes();
-        if ( first == 0 || first >= pointerBits ) {
-            const Index rest = readEnd( reader );
-            if ( rest == none || !( rest == root ? mayBeLast : mayPrecede ) )
-                return std::nullopt;
-            return End{ offset, rest };
-        }
-        if ( first > longestWireLabel || !mayPrecede || !reader.trySkip( 1 + first ) )
-            return std::nullopt;
-        if ( !appendLabel( offset, first, mayPrecede, mayBeLast ) )
-            return std::nullopt;
-    }
-}
-
-NameTable::Index NameTable::readEnd( pb::ByteReader &reader ) const
-{
-    const uint8_t *bytes = reader.bytes();
-    if ( bytes[0] == 0 )
-        return reader.trySkip( 1 ) ? root : none;
-    if ( !reader.trySkip( 2 ) )
-        return none;
-    const auto target = static_cast<uint32_t>( ( bytes[0] & ~pointerBits ) << 8 | bytes[1] );
-    return target < static_cast<size_t>( end_ - bytes_ ) ? at_[target] : none;
-}
-
-bool NameTable::appendLabel( uint32_t offset, size_t length, bool &mayPrecede, bool &mayBeLast )
-{
-    Suffix &suffix = suffixes_.emplace_back( Suffix{ offset, static_cast<uint32_t>( length ), root, 0, true, {} } );
-    const uint8_t *label = bytes_ + offset + 1;
-    if ( isPlainLabel( label, length, end_ ) )
-        return mayPrecede = mayBeLast = true;
-    auto read = readLabel( label, length );
-    if ( !read || !read->mayBeLast )
+    auto label = readLabel( bytes_ + suffix.offset + 1, suffix.length );
+    if ( !label )
         return false;
-    mayBeLast = read->mayBeLast;
-    mayPrecede = read->mayPrecede;
-    suffix.length = static_cast<uint32_t>( pbStringLength( read->text.get() ) );
+    places = { label->mayPrecede, label->mayBeLast };
+    suffix.length = static_cast<uint32_t>( pbStringLength( label->text.get() ) );
     suffix.ascii = false;
-    texts_.push_back( std::move( read->text ) );
+    texts_.push_back( std::move( label->text ) );
     suffix.text = static_cast<uint32_t>( texts_.size() );
     return true;
 }
 
 // Joins the labels from the first on, which from now on may be pointed at, as may the pointer or zero behind them.
-NameTable::Index NameTable::complete( size_t first, End end )
+NameTable::Index NameTable::complete( size_t first, Index rest, uint32_t endOffset )
 {
-    remember( end.offset, end.rest );
-    Index rest = end.rest;
+    remember( endOffset, rest );
     for ( size_t i = suffixes_.size(); i-- > first; ) {
         Suffix &suffix = suffixes_[i];
         suffix.rest = rest;
@@ -105,15 +101,20 @@ void NameTable::remember( uint32_t offset, Index suffix )
         at_[offset] = static_cast<uint16_t>( suffix ); // no more suffixes than offsets come before it
 }
 
-const Name &NameTable::nameOf( Index index )
+void NameTable::assign( Name &name, Index index )
 {
     if ( index == root )
-        return root_;
+        return;
     Suffix &suffix = at( index );
-    if ( !suffix.name )
-        suffix.name = suffix.length > Name::longestText ? Name::inMessage( message_, suffix.offset )
-                                                        : Name( ( suffix.ascii ? asciiText( suffix ) : text( suffix ) ).get() );
-    return suffix.name;
+    if ( suffix.name ) {
+        name = *suffix.name;
+        return;
+    }
+    if ( suffix.length > Name::longestText )
+        name = Name::inMessage( message_, suffix.offset );
+    else
+        name = suffix.ascii ? asciiText( suffix ) : text( suffix );
+    suffix.name = &name;
 }
 
 pb::String NameTable::asciiText( const Suffix &suffix ) const

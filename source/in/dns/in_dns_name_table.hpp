@@ -9,7 +9,6 @@
 #include <array>
 #include <cstddef>
 #include <memory_resource>
-#include <optional>
 #include <vector>
 
 namespace in::dns {
@@ -22,7 +21,8 @@ public:
     NameTable( const NameTable & ) = delete;
     NameTable &operator=( const NameTable & ) = delete;
 
-    // Reads a name; an absent one is the root. False when it is malformed or no valid domain name.
+    // Reads a name into a place that must outlive the table; an absent name is the root. False when it is malformed or
+    // no valid domain name: nothing more must be read then.
     bool tryRead( pb::ByteReader &reader, Name &name );
 
 private:
@@ -32,36 +32,35 @@ private:
     static constexpr Index firstSuffix = 2;
 
     struct Suffix {
-        uint32_t offset; // of the length byte of the first label
-        uint32_t length; // of the text
-        Index rest;      // behind the first label
-        uint32_t text;   // of the first label: its place in texts_, counted from 1; 0 when the bytes are it
-        bool ascii;      // the whole text
-        Name name;       // once it was asked for
+        uint32_t offset;  // of the length byte of the first label
+        uint32_t length;  // of the text
+        Index rest;       // behind the first label
+        uint32_t text;    // of the first label: its place in texts_, counted from 1; 0 when the bytes are it
+        const Name *name; // the first place that holds it, or null
+        bool ascii;       // the whole text
     };
 
     static constexpr size_t pointable = 0x4000; // offsets that a pointer of 14 bits reaches
     static constexpr size_t usual = 48;         // suffixes in a message; more take memory from the heap
 
-    // What ends a name, and where.
-    struct End {
-        uint32_t offset;
-        Index rest; // the root, or what a pointer leads to
+    // Where a label may stand in a name.
+    struct Places {
+        bool mayPrecede, mayBeLast;
     };
 
-    std::optional<End> readLabels( pb::ByteReader &reader );
-    Index readEnd( pb::ByteReader &reader ) const;
-    bool appendLabel( uint32_t offset, size_t length, bool &mayPrecede, bool &mayBeLast );
-    Index complete( size_t first, End end );
+    Index readEnd( const uint8_t *&position, const uint8_t *limit, Places last ) const;
+    bool appendLabel( const uint8_t *lengthByte, Places &places );
+    bool appendSpecialLabel( Suffix &suffix, Places &places );
+    Index complete( size_t first, Index rest, uint32_t endOffset );
     void remember( uint32_t offset, Index suffix );
-    const Name &nameOf( Index index );
+    void assign( Name &name, Index index );
     pb::String asciiText( const Suffix &suffix ) const;
     pb::String text( const Suffix &suffix ) const;
 
+    uint32_t offsetOf( const uint8_t *position ) const { return static_cast<uint32_t>( position - bytes_ ); }
     Suffix &at( Index index ) { return suffixes_[index - firstSuffix]; }
     const Suffix &at( Index index ) const { return suffixes_[index - firstSuffix]; }
 
-    const Name root_;
     const struct pbBuffer *const message_;
     const uint8_t *const bytes_;
     const uint8_t *const end_;
