@@ -1,8 +1,10 @@
-// Any bytes as UTF-8 and as punycode: what is encoded decodes to the same, what is decoded encodes to the same but for
+// Any bytes as UTF-8, as 32-bit values and as punycode: what is encoded decodes to the same, what is decoded encodes to the same but for
 // letter case, and a limit changes nothing but whether there is a result.
 #include "in/dns/in_dns_punycode.h"
 #include "pb/pb_assert.hpp"
 #include "pb/pb_string.hpp"
+
+#include <algorithm>
 
 namespace {
 
@@ -29,6 +31,13 @@ void checkLimits( Convert *function, const pb::String &source, const pb::String 
 extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size )
 {
     const pb::String text = pb::string( { reinterpret_cast<const char *>( data ), size } );
+    pbChar values[64];
+    const size_t count = std::min( size / sizeof( pbChar ), std::size( values ) );
+    std::memcpy( values, data, count * sizeof( pbChar ) );
+    const bool scalars = std::all_of( values, values + count, []( pbChar c ) { return PB_CHAR_OK( c ); } );
+    const pb::String wide = pb::adopt( pbStringCreateFromChars( values, static_cast<pbInt>( count ) ) );
+    PB_ASSERT( bool( convert( inDnsPunycodeTryEncode, wide ) ) == scalars );
+
     const pb::String encoded = convert( inDnsPunycodeTryEncode, text );
     PB_ASSERT( encoded );
     for ( const char32_t c : pb::view( encoded.get() ) )

@@ -65,7 +65,8 @@ TEST( Punycode, Refusals )
                                   "9", "b-99",                // ends inside an integer
                                   "en32g",                    // U+110000
                                   "ib9b", "zy0c",             // U+D800 and U+DFFF
-                                  "99999999", "999999999999b", "99999999999999999999a" } ) // beyond 21, 32 and 64 bits
+                                  "99999999", "sy902716a",     // beyond 21 bits, and U+0041 if cut to 32
+                                  "hz767205604493046e", "iz767205604493046e" } ) // 2^63 - 1 and 2^63
         EXPECT_EQ( convert( inDnsPunycodeTryDecode, pb::string( refused ) ), "null" ) << refused;
 }
 

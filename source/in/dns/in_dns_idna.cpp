@@ -25,6 +25,12 @@ pb::String stringOf( std::u32string_view text, const struct pbString *source )
     return pb::adopt( pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text.data() ), static_cast<pbInt>( text.size() ) ) );
 }
 
+// ASCII of the right length, which ToASCII leaves alone.
+bool isPlainLabel( std::u32string_view label )
+{
+    return label.size() - 1 < longestLabel && isAscii( label );
+}
+
 std::u32string_view cutLabel( std::u32string_view &name )
 {
     size_t end = 0;
@@ -35,16 +41,52 @@ std::u32string_view cutLabel( std::u32string_view &name )
     return label;
 }
 
+// A first look at a name, up to its first label that is not ASCII: most names are ASCII as a whole.
+struct Look {
+    bool ok = false;
+    bool ace = false; // there is a label in ASCII form
+    size_t seen = 0;  // where the look ended
+};
+Look look( std::u32string_view name )
+{
+    Look result{ .ok = !name.empty() };
+    for ( size_t end = 0; result.seen < name.size(); result.seen = end + 1 ) {
+        for ( end = result.seen; end < name.size() && name[end] != U'.'; ++end )
+            if ( name[end] >= 0x80 )
+                return result;
+        const size_t length = end - result.seen;
+        if ( length == 0 || length > longestLabel ) {
+            result.ok = false;
+            return result;
+        }
+        result.ace |= hasAcePrefix( name.substr( result.seen, length ) );
+    }
+    result.seen = name.size();
+    return result;
+}
+
+// Whether a name is ASCII as a whole and has no label in ASCII form, so that both its forms are the name itself but for
+// a separator at its end.
+bool isPlainName( std::u32string_view name )
+{
+    const Look all = look( name );
+    return all.ok && !all.ace && all.seen == name.size();
+}
+
 bool labelOk( std::u32string_view label, Rules rules )
 {
+    if ( !rules.useStd3Ascii && isPlainLabel( label ) )
+        return true;
     Room room;
     return toAscii( label, rules, room ).has_value();
 }
 
 template <class Convert> pb::String convertName( const struct pbString *name, Convert convert )
 {
-    std::u32string result;
     std::u32string_view rest = pb::view( name );
+    if ( isPlainName( rest ) && rest.back() != U'.' )
+        return pb::share( name );
+    std::u32string result;
     PB_ASSERT_TEXT( !rest.empty(), "sv" );
     while ( !rest.empty() ) {
         Room room;
@@ -67,10 +109,11 @@ pb::String nameToUnicode( const struct pbString *name )
 
 bool in::idna::domainNameOk( std::u32string_view name )
 {
-    if ( name.empty() )
+    const Look first = look( name );
+    if ( !first.ok )
         return false;
-    while ( !name.empty() )
-        if ( !labelOk( cutLabel( name ), publicRules ) )
+    for ( std::u32string_view rest = name.substr( first.seen ); !rest.empty(); )
+        if ( !labelOk( cutLabel( rest ), publicRules ) )
             return false;
     return true;
 }
@@ -107,6 +150,9 @@ pbBool inDnsIdnaLabelOk( const struct pbString *label )
 
 struct pbString *inDnsIdnaLabelToAscii( const struct pbString *idnLabel )
 {
+    PB_ASSERT( idnLabel );
+    if ( isPlainLabel( pb::view( idnLabel ) ) )
+        return pb::share( idnLabel ).release();
     struct pbString *const ascii = in___DnsIdnaLabelTryToAscii( idnLabel, true, false );
     PB_ASSERT_TEXT( ascii, "inDnsIdnaLabelOk( idnLabel )" ); // which converts, too
     return ascii;
@@ -115,9 +161,12 @@ struct pbString *inDnsIdnaLabelToAscii( const struct pbString *idnLabel )
 struct pbString *inDnsIdnaLabelToUnicode( const struct pbString *adnLabel )
 {
     PB_ASSERT( adnLabel );
+    const std::u32string_view label = pb::view( adnLabel );
+    if ( isPlainLabel( label ) && !hasAcePrefix( label ) )
+        return pb::share( adnLabel ).release();
     PB_ASSERT( inDnsIdnaLabelOk( adnLabel ) );
     Room room;
-    return stringOf( toUnicode( pb::view( adnLabel ), publicRules, room ), adnLabel ).release();
+    return stringOf( toUnicode( label, publicRules, room ), adnLabel ).release();
 }
 
 pbBool inDnsIdnaDomainNameOk( const struct pbString *name )

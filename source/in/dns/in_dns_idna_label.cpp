@@ -14,19 +14,6 @@ using namespace in::idna;
 
 constexpr std::u32string_view acePrefix = U"xn--";
 
-bool isAscii( std::u32string_view text )
-{
-    char32_t seen = 0;
-    for ( const char32_t c : text )
-        seen |= c;
-    return seen < 0x80;
-}
-
-bool hasAcePrefix( std::u32string_view text )
-{
-    return text.size() >= 4 && ( text[0] | 0x20 ) == U'x' && ( text[1] | 0x20 ) == U'n' && text[2] == U'-' && text[3] == U'-';
-}
-
 // Letters, digits and hyphens inside (STD 3; RFC 1123, section 2.1).
 bool obeysStd3( std::u32string_view text )
 {
@@ -34,7 +21,7 @@ bool obeysStd3( std::u32string_view text )
            std::all_of( text.begin(), text.end(), []( char32_t c ) { return c == U'-' || pb::text::digitOf( c ) < 36; } );
 }
 
-bool equalsIgnoringAsciiCase( std::u32string_view a, std::u32string_view b )
+bool equalsButAsciiCase( std::u32string_view a, std::u32string_view b )
 {
     return std::equal( a.begin(), a.end(), b.begin(), b.end(), []( char32_t c, char32_t d ) {
         return pb::text::asciiLower( c ) == pb::text::asciiLower( d );
@@ -69,12 +56,17 @@ std::optional<std::u32string_view> prepare( std::u32string_view label, Rules rul
     return prepareByLibrary( label, rules, room );
 }
 
-// Whether ToASCII leads from decoded text back to the label it was decoded from.
+// Whether ToASCII leads from decoded text back to the label it was decoded from, letter case aside. Punycode writes each
+// text in one way only, so where nameprep changes nothing but ASCII case, encoding need not be done to know its result,
+// and where it changes more, the result is another one.
 bool convertsBack( std::u32string_view decoded, std::u32string_view label, Rules rules )
 {
     Room room;
+    if ( rules.allowUnassigned && !rules.useStd3Ascii && !isAscii( decoded ) )
+        if ( const auto length = rfc::nameprepQuick( decoded, room.prepared ) )
+            return !hasAcePrefix( decoded ) && equalsButAsciiCase( decoded, { room.prepared, *length } );
     const auto ascii = toAscii( decoded, rules, room );
-    return ascii && equalsIgnoringAsciiCase( *ascii, label );
+    return ascii && equalsButAsciiCase( *ascii, label );
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include "pb/pb_string.hpp"
 
+#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -15,6 +16,24 @@ struct Rules {
     bool allowUnassigned = true;
     bool useStd3Ascii = false;
 };
+
+inline bool isAscii( std::u32string_view text )
+{
+    constexpr uint64_t beyond = 0xFFFFFF80FFFFFF80; // in either of two code points
+    uint64_t seen = text.size() % 2 ? text.back() : 0;
+    for ( size_t i = 0; i + 2 <= text.size(); i += 2 ) {
+        uint64_t two;
+        std::memcpy( &two, text.data() + i, sizeof two );
+        seen |= two;
+    }
+    return !( seen & beyond );
+}
+
+// "xn--" in any letter case.
+inline bool hasAcePrefix( std::u32string_view text )
+{
+    return text.size() >= 4 && ( text[0] | 0x20 ) == U'x' && ( text[1] | 0x20 ) == U'n' && text[2] == U'-' && text[3] == U'-';
+}
 
 // Where a conversion leaves its result, and nameprep its own.
 struct Room {

@@ -6,6 +6,7 @@
 #include "pb/pb_text.hpp"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 
 namespace {
@@ -58,16 +59,43 @@ bool addProduct( pbInt &sum, pbInt a, pbInt b )
     return !__builtin_mul_overflow( a, b, &product ) && !__builtin_add_overflow( sum, product, &sum );
 }
 
+// 2^64 / divisor, rounded up.
+constexpr auto reciprocals = [] {
+    std::array<uint64_t, 64> result{};
+    for ( uint64_t divisor = 2; divisor < result.size(); ++divisor )
+        result[divisor] = UINT64_MAX / divisor + 1;
+    return result;
+}();
+
+// a / b. What is divided here is mostly small, and then a multiplication gives the same in a fraction of the time: the
+// rounding adds less than a / 2^64, which is less than 1 / b for a below 2^58.
+pbInt quotient( pbInt a, pbInt b )
+{
+    if ( a >> 58 != 0 || b < 2 || b >= static_cast<pbInt>( reciprocals.size() ) )
+        return a / b;
+    __extension__ using Wide = unsigned __int128;
+    return static_cast<pbInt>( static_cast<Wide>( a ) * reciprocals[static_cast<size_t>( b )] >> 64 );
+}
+
 pbInt threshold( pbInt k, pbInt bias ) { return std::clamp( k - bias, TMIN, TMAX ); }
+
+// The last step of the adaptation, for each delta that the steps before may leave.
+constexpr pbInt largestDelta = ( BASE - TMIN ) * TMAX / 2;
+constexpr auto biases = [] {
+    std::array<uint8_t, largestDelta + 1> result{};
+    for ( pbInt delta = 0; delta <= largestDelta; ++delta )
+        result[static_cast<size_t>( delta )] = static_cast<uint8_t>( ( BASE - TMIN + 1 ) * delta / ( delta + SKEW ) );
+    return result;
+}();
 
 pbInt adapt( pbInt delta, pbInt points, bool first )
 {
     delta /= first ? DAMP : 2;
-    delta += delta / points;
+    delta += quotient( delta, points );
     pbInt k = 0;
-    for ( ; delta > ( BASE - TMIN ) * TMAX / 2; k += BASE )
+    for ( ; delta > largestDelta; k += BASE )
         delta /= BASE - TMIN;
-    return k + ( BASE - TMIN + 1 ) * delta / ( delta + SKEW );
+    return k + biases[static_cast<size_t>( delta )];
 }
 
 bool writeInteger( Writer &out, pbInt value, pbInt bias )
@@ -78,10 +106,11 @@ bool writeInteger( Writer &out, pbInt value, pbInt bias )
         PB_ASSERT( t >= TMIN && t <= TMAX );
         if ( q < t )
             return out.put( static_cast<unsigned char>( digits[q] ) );
-        PB_ASSERT( t + ( (q-t) % (BASE-t) ) < BASE );
-        if ( !out.put( static_cast<unsigned char>( digits[t + ( q - t ) % ( BASE - t )] ) ) )
+        const pbInt rest = quotient( q - t, BASE - t );
+        PB_ASSERT_TEXT( q - rest * ( BASE - t ) < BASE, "t + ( (q-t) % (BASE-t) ) < BASE" );
+        if ( !out.put( static_cast<unsigned char>( digits[q - rest * ( BASE - t )] ) ) )
             return false;
-        q = ( q - t ) / ( BASE - t );
+        q = rest;
     }
 }
 
@@ -126,6 +155,45 @@ template <class Convert> pb::String convert( const struct pbString *source, size
     return length ? makeString( room.get(), *length ) : nullptr;
 }
 
+// The code points that are not basic, each with its place in the source, in the order in which they are inserted: that
+// of their values, equal ones from left to right.
+class Extended {
+public:
+    explicit Extended( std::u32string_view source )
+    {
+        if ( source.size() > std::size( few_ ) ) {
+            many_ = std::make_unique_for_overwrite<uint64_t[]>( source.size() );
+            list_ = many_.get();
+        }
+        for ( size_t place = 0; place < source.size(); ++place )
+            if ( !isBasic( source[place] ) )
+                list_[count_++] = uint64_t{ source[place] } << placeBits | place;
+        std::sort( list_, list_ + count_ );
+    }
+
+    size_t count() const { return count_; }
+    pbInt value( size_t index ) const { return static_cast<pbInt>( list_[index] >> placeBits ); }
+    // How many of the source's code points that are there before this one is inserted stand before it.
+    pbInt rank( size_t index ) const
+    {
+        const uint64_t place = placeOf( index );
+        uint64_t missing = 0;
+        for ( size_t later = index + 1; later < count_; ++later )
+            missing += placeOf( later ) < place;
+        return static_cast<pbInt>( place - missing );
+    }
+
+private:
+    static constexpr int placeBits = 43; // beside the 21 of a value
+
+    uint64_t placeOf( size_t index ) const { return list_[index] & ( ( uint64_t{ 1 } << placeBits ) - 1 ); }
+
+    uint64_t few_[64];
+    std::unique_ptr<uint64_t[]> many_;
+    uint64_t *list_ = few_;
+    size_t count_ = 0;
+};
+
 } // namespace
 
 std::optional<size_t> in::punycode::encode( std::u32string_view source, std::span<char32_t> room )
@@ -137,31 +205,21 @@ std::optional<size_t> in::punycode::encode( std::u32string_view source, std::spa
     for ( const char32_t c : source )
         if ( isBasic( c ) )
             out.put( c );
-    const auto basics = static_cast<pbInt>( out.length() ), length = static_cast<pbInt>( source.size() );
+    const auto basics = static_cast<pbInt>( out.length() );
     if ( basics > 0 && !out.put( delimiter ) )
         return std::nullopt;
 
-    pbInt n = INITIAL_N, delta = 0, bias = INITIAL_BIAS, handled = basics;
-    while ( handled < length ) {
-        pbInt m = 0x10FFFF;
-        for ( const char32_t c : source )
-            if ( c >= n && c < m )
-                m = c;
-        if ( !addProduct( delta, m - n, handled + 1 ) )
+    const Extended extended( source );
+    pbInt n = INITIAL_N, i = 0, bias = INITIAL_BIAS, points = basics + 1;
+    for ( size_t index = 0; index < extended.count(); ++index, ++points ) {
+        const pbInt m = extended.value( index ), rank = extended.rank( index );
+        // The decoder's counter runs over all places of a text of so many points for each value between the two.
+        pbInt delta = rank - i;
+        if ( !addProduct( delta, m - n, points ) || !writeInteger( out, delta, bias ) )
             return std::nullopt;
-        for ( const char32_t c : source ) {
-            if ( c < m && !addProduct( delta, 1, 1 ) )
-                return std::nullopt;
-            if ( c != m )
-                continue;
-            if ( !writeInteger( out, delta, bias ) )
-                return std::nullopt;
-            bias = adapt( delta, handled + 1, handled == basics );
-            delta = 0;
-            ++handled;
-        }
-        ++delta;
-        n = m + 1;
+        bias = adapt( delta, points, index == 0 );
+        n = m;
+        i = rank + 1;
     }
     return out.length();
 }
@@ -186,9 +244,10 @@ std::optional<size_t> in::punycode::decode( std::u32string_view source, std::spa
             return std::nullopt;
         bias = adapt( i - before, points, before == 0 );
         // Beyond Unicode's last code point and among the surrogates nothing can be text.
-        if ( !addProduct( n, i / points, 1 ) || n > 0x10FFFF || !PB_CHAR_OK( n ) )
+        const pbInt turns = quotient( i, points );
+        if ( !addProduct( n, turns, 1 ) || !PB_CHAR_OK( n ) || n > 0x10FFFF )
             return std::nullopt;
-        i %= points;
+        i -= turns * points;
         if ( !out.insert( static_cast<size_t>( i ), static_cast<char32_t>( n ) ) )
             return std::nullopt;
         ++i;
