@@ -2,6 +2,7 @@
 #include "bench_ratio.hpp"
 #include "bench_udp.hpp"
 
+#include <sys/epoll.h>
 #include <sys/resource.h>
 
 #include <cstring>
@@ -49,6 +50,31 @@ void bareSocket( benchmark::State &state )
 }
 BENCHMARK( bareSocket )->Arg( 10 )->Arg( 1000 )->Arg( 16000 )->Unit( benchmark::kMicrosecond );
 
+// The same with each socket watched by one epoll instance, as those of channels are.
+void watchedSocket( benchmark::State &state )
+{
+    sockaddr_in address;
+    std::vector<int> held;
+    const int poller = epoll_create1( EPOLL_CLOEXEC );
+    const auto open = [&] {
+        const int fd = bench::openSocket( &address );
+        epoll_event event{ .events = EPOLLIN, .data = { .fd = fd } };
+        epoll_ctl( poller, EPOLL_CTL_ADD, fd, &event );
+        return fd;
+    };
+    for ( long i = 0; i < state.range( 0 ); ++i )
+        held.push_back( open() );
+    for ( auto _ : state ) {
+        const int fd = open();
+        epoll_ctl( poller, EPOLL_CTL_DEL, fd, nullptr );
+        close( fd );
+    }
+    for ( const int fd : held )
+        close( fd );
+    close( poller );
+}
+BENCHMARK( watchedSocket )->Arg( 10 )->Arg( 16000 )->Unit( benchmark::kMicrosecond );
+
 } // namespace
 
 int main( int argumentCount, char **arguments )
@@ -62,6 +88,7 @@ int main( int argumentCount, char **arguments )
                        { { "createDestroy/1000", "createDestroy/10", 1.25, "" },
                          { "createDestroy/16000", "createDestroy/10", 1.25, "" },
                          { "bareSocket/16000", "bareSocket/10", 0, "" },
-                         { "createDestroy/10", "bareSocket/10", 0, "" },
-                         { "createDestroy/16000", "bareSocket/16000", 0, "" } } );
+                         { "watchedSocket/16000", "watchedSocket/10", 0, "" },
+                         { "createDestroy/10", "watchedSocket/10", 0, "" },
+                         { "createDestroy/16000", "watchedSocket/16000", 0, "" } } );
 }

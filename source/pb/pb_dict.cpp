@@ -27,7 +27,11 @@ struct Leaf final : pb::Object<Leaf, pb___sort_PB_DICT_LEAF> {
 
 struct Slot {
     pb::Ref<Leaf> leaf;
-    size_t start; // how many entries stand in the leaves before
+    const pbObj *firstKey; // of the leaf: a search among the leaves of a large dictionary touches none of them
+    size_t start;          // how many entries stand in the leaves before
+
+    explicit Slot( pb::Ref<Leaf> filled ) : leaf( std::move( filled ) ), firstKey( nullptr ), start( 0 ) { refreshKey(); }
+    void refreshKey() { firstKey = entries().empty() ? nullptr : entries().front().key.get(); }
 
     const std::vector<Entry> &entries() const { return leaf->entries; }
     std::vector<Entry> &edit() { return pb::edit( leaf.address() ).entries; }
@@ -67,6 +71,7 @@ private:
     void erase( Place place );
     bool tryMergeWithNext( size_t slot );
     void countFrom( size_t slot );
+    void shiftFrom( size_t slot, ptrdiff_t by );
 };
 
 PB_OBJECT_DEFINE( pbDict, pb___sort_PB_DICT )
@@ -100,7 +105,7 @@ Place pbDict::placeOf( const pbObj *key ) const
     if ( slots.empty() )
         return { 0, 0 };
     const auto behind = std::partition_point( slots.begin() + 1, slots.end(), [=]( const Slot &slot ) {
-        return compareKeys( slot.entries().front().key.get(), key ) <= 0;
+        return compareKeys( slot.firstKey, key ) <= 0;
     } );
     const auto slot = behind - 1;
     const auto entry = std::partition_point( slot->entries().begin(), slot->entries().end(), [=]( const Entry &entry ) {
@@ -133,16 +138,17 @@ void pbDict::set( const pbObj *key, const pbObj *value )
 void pbDict::insert( Place place, Entry entry )
 {
     if ( slots.empty() )
-        slots.push_back( { pb::make<Leaf>(), 0 } );
+        slots.emplace_back( pb::make<Leaf>() );
     std::vector<Entry> &entries = slots[place.slot].edit();
     entries.insert( entries.begin() + static_cast<ptrdiff_t>( place.entry ), std::move( entry ) );
-    if ( entries.size() > leafLimit ) {
-        const auto middle = entries.begin() + leafLimit / 2;
-        auto upper = pb::make<Leaf>();
-        upper->entries.assign( std::make_move_iterator( middle ), std::make_move_iterator( entries.end() ) );
-        entries.erase( middle, entries.end() );
-        slots.insert( slots.begin() + static_cast<ptrdiff_t>( place.slot ) + 1, { std::move( upper ), 0 } );
-    }
+    slots[place.slot].refreshKey();
+    if ( entries.size() <= leafLimit )
+        return shiftFrom( place.slot + 1, 1 );
+    const auto middle = entries.begin() + leafLimit / 2;
+    auto upper = pb::make<Leaf>();
+    upper->entries.assign( std::make_move_iterator( middle ), std::make_move_iterator( entries.end() ) );
+    entries.erase( middle, entries.end() );
+    slots.insert( slots.begin() + static_cast<ptrdiff_t>( place.slot ) + 1, Slot( std::move( upper ) ) );
     countFrom( place.slot );
 }
 
@@ -161,12 +167,15 @@ void pbDict::erase( Place place )
     std::vector<Entry> &entries = slots[place.slot].edit();
     const Entry dropped = std::move( entries[place.entry] );
     entries.erase( entries.begin() + static_cast<ptrdiff_t>( place.entry ) );
+    slots[place.slot].refreshKey();
     if ( entries.empty() )
         slots.erase( slots.begin() + static_cast<ptrdiff_t>( place.slot ) );
+    else if ( entries.size() >= leafLimit / 2 ) // and so is alone, whatever its neighbours have
+        return shiftFrom( place.slot + 1, -1 );
     else if ( place.slot && tryMergeWithNext( place.slot - 1 ) )
         --place.slot;
-    else
-        tryMergeWithNext( place.slot );
+    else if ( !tryMergeWithNext( place.slot ) )
+        return shiftFrom( place.slot + 1, -1 );
     countFrom( place.slot );
 }
 
@@ -186,6 +195,13 @@ void pbDict::countFrom( size_t slot )
 {
     for ( ; slot < slots.size(); ++slot )
         slots[slot].start = slot ? slots[slot - 1].start + slots[slot - 1].entries().size() : 0;
+}
+
+// The leaves themselves are left alone: in a large dictionary few of them are in the processor's cache.
+void pbDict::shiftFrom( size_t slot, ptrdiff_t by )
+{
+    for ( ; slot < slots.size(); ++slot )
+        slots[slot].start += static_cast<size_t>( by );
 }
 
 std::strong_ordering pbDict::operator<=>( const pbDict &other ) const

@@ -69,6 +69,7 @@ struct unixFdObserver final : pb::Object<struct unixFdObserver, unix___sort_UNIX
     bool trySetConditions( int fd, pbInt conditions ) PB_EXCLUDES( monitor_ );
     bool wait( struct pbSignal *abortSignal, pbInt *fd, pbInt *conditions ) PB_EXCLUDES( monitor_ );
     void unblock() PB_EXCLUDES( monitor_ );
+    bool pending() const noexcept { return batchNext_ != batchCount_; }
     bool broken() const noexcept { return broken_.load( std::memory_order_relaxed ); }
 
 private:
@@ -324,6 +325,12 @@ pbBool unixFdObserverWait( struct unixFdObserver *observer, struct pbSignal *abo
     PB_ASSERT( fd );
     PB_ASSERT( conditions );
     return observer->wait( abortSignal, fd, conditions );
+}
+
+pbBool unixFdObserverPending( const struct unixFdObserver *observer )
+{
+    PB_ASSERT( observer );
+    return observer->pending();
 }
 
 void unixFdObserverUnblock( struct unixFdObserver *observer )

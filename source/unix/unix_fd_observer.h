@@ -36,6 +36,8 @@ PB_API pbBool unixFdObserverTrySetConditions( struct unixFdObserver *observer, p
 // nor an event of a former owner of the same number. A hang-up counts as readable when that is watched and is not
 // reported otherwise; it never counts as an error. False also when the observer is broken.
 PB_API pbBool unixFdObserverWait( struct unixFdObserver *observer, struct pbSignal *abortSignal, pbInt *fd, pbInt *conditions );
+// By the waiting thread: whether the next Wait may find an event without asking the system, and so without sleeping.
+PB_API pbBool unixFdObserverPending( const struct unixFdObserver *observer );
 // Ends the outstanding report.
 PB_API void unixFdObserverUnblock( struct unixFdObserver *observer );
 // The observer itself is broken.

@@ -4,6 +4,7 @@
 #include "in/base/in_address.h"
 #include "in/imp/in_imp_sockaddr_unix_internal.h"
 #include "in/imp/in_imp_udp_unix_channel.hpp"
+#include "in/imp/in_imp_udp_unix_rest.hpp"
 #include "in/udp/in_udp_address.h"
 #include "in/udp/in_udp_flags.h"
 #include "pb/pb_alert.h"
@@ -17,6 +18,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 #include <vector>
 
 PB_SORT_DECLARE( in___sort_IN___IMP_UDP_UNIX_REMAP )
@@ -98,14 +100,22 @@ in___ImpUdpUnixChannel &channelOfDescriptor( pbInt descriptor ) PB_EXCLUDES( all
 void in___ImpUdpUnixChannelThreadFunc( struct pbObj * )
 {
     in___ImpUdpUnixArena arena;
+    in___ImpUdpUnixRest rest;
+    uint64_t received = 0;
     pb___WakesHoldBegin(); // the observer flushes them before it sleeps
     pbInt descriptor, conditions;
     while ( unixFdObserverWait( channelObserver.get(), channelThreadAbortSignal.get(), &descriptor, &conditions ) ) {
         in___ImpUdpUnixChannel &channel = channelOfDescriptor( descriptor );
         pbBarrierBlock( channel.barrier.get() );
         unixFdObserverUnblock( channelObserver.get() );
-        in___ImpUdpUnixChannelServe( channel, channelObserver.get(), conditions, arena );
+        received += in___ImpUdpUnixChannelServe( channel, channelObserver.get(), conditions, arena );
         pbBarrierUnblock( channel.barrier.get() );
+        if ( unixFdObserverPending( channelObserver.get() ) )
+            continue;
+        if ( rest.roundEnds( std::exchange( received, 0 ) ) ) {
+            pb___WakesFlush();
+            rest.take();
+        }
     }
     pb___WakesHoldEnd();
 }

@@ -31,8 +31,13 @@ bool enqueue( in___ImpUdpUnixChannel &channel, const in___ImpUdpUnixArena::Datag
     return true;
 }
 
-// True when more may wait. Never receives more than the queue can take.
-bool receiveBatch( in___ImpUdpUnixChannel &channel, in___ImpUdpUnixArena &arena, size_t wanted )
+struct Batch {
+    size_t received;
+    bool more; // may wait
+};
+
+// Never receives more than the queue can take.
+Batch receiveBatch( in___ImpUdpUnixChannel &channel, in___ImpUdpUnixArena &arena, size_t wanted )
     PB_REQUIRES( channel.monitor )
 {
     const size_t room = in___ImpUdpUnixQueue::limit - channel.queue.size();
@@ -46,21 +51,24 @@ bool receiveBatch( in___ImpUdpUnixChannel &channel, in___ImpUdpUnixArena &arena,
     }
     channel.queueFull = channel.queue.size() > in___ImpUdpUnixQueue::limit - 1;
     channel.pace.learn( received );
-    return more && !channel.queueFull;
+    return { received, more && !channel.queueFull };
 }
 
-// Whatever is left is reported again: the observer is level-triggered.
-void drain( in___ImpUdpUnixChannel &channel, in___ImpUdpUnixArena &arena ) PB_REQUIRES( channel.monitor )
+// The number of datagrams. Whatever is left is reported again: the observer is level-triggered.
+size_t drain( in___ImpUdpUnixChannel &channel, in___ImpUdpUnixArena &arena ) PB_REQUIRES( channel.monitor )
 {
     if ( channel.queueFull )
-        return;
-    if ( channel.pace.oneByOne() ) {
-        receiveBatch( channel, arena, 1 );
-        return;
+        return 0;
+    if ( channel.pace.oneByOne() )
+        return receiveBatch( channel, arena, 1 ).received;
+    size_t received = 0;
+    for ( int batch = 0; batch < batchesPerEvent; ++batch ) {
+        const Batch got = receiveBatch( channel, arena, in___ImpUdpUnixArena::slotCount );
+        received += got.received;
+        if ( !got.more )
+            break;
     }
-    for ( int batch = 0; batch < batchesPerEvent; ++batch )
-        if ( !receiveBatch( channel, arena, in___ImpUdpUnixArena::slotCount ) )
-            return;
+    return received;
 }
 
 } // namespace
@@ -114,16 +122,16 @@ void in___ImpUdpUnixChannelSetError( in___ImpUdpUnixChannel &channel, struct uni
     in___ImpUdpUnixChannelUpdateAlert( channel );
 }
 
-void in___ImpUdpUnixChannelServe( in___ImpUdpUnixChannel &channel, struct unixFdObserver *channelObserver,
-                                  pbInt conditions, in___ImpUdpUnixArena &arena )
+size_t in___ImpUdpUnixChannelServe( in___ImpUdpUnixChannel &channel, struct unixFdObserver *channelObserver,
+                                    pbInt conditions, in___ImpUdpUnixArena &arena )
 {
     const pb::Guard guard( channel.monitor );
-    if ( conditions & UNIX_FD_CONDITION_READABLE )
-        drain( channel, arena );
+    const size_t received = conditions & UNIX_FD_CONDITION_READABLE ? drain( channel, arena ) : 0;
     if ( conditions & UNIX_FD_CONDITION_ERROR )
         pbSignalAssert( channel.errorSignal.get() );
     in___ImpUdpUnixChannelUpdateObserver( channel, channelObserver );
     in___ImpUdpUnixChannelUpdateAlert( channel );
+    return received;
 }
 
 pb::Ref<struct inUdpPacket> in___ImpUdpUnixChannelTake( in___ImpUdpUnixChannel &channel,

@@ -63,9 +63,9 @@ void in___ImpUdpUnixChannelUpdateAlert( in___ImpUdpUnixChannel &channel ) PB_REQ
 void in___ImpUdpUnixChannelSetError( in___ImpUdpUnixChannel &channel, struct unixFdObserver *channelObserver )
     PB_REQUIRES( channel.monitor );
 
-// What the I/O thread does for an event.
-void in___ImpUdpUnixChannelServe( in___ImpUdpUnixChannel &channel, struct unixFdObserver *channelObserver,
-                                  pbInt conditions, in___ImpUdpUnixArena &arena ) PB_EXCLUDES( channel.monitor );
+// What the I/O thread does for an event. The number of datagrams it received.
+size_t in___ImpUdpUnixChannelServe( in___ImpUdpUnixChannel &channel, struct unixFdObserver *channelObserver,
+                                    pbInt conditions, in___ImpUdpUnixArena &arena ) PB_EXCLUDES( channel.monitor );
 // The oldest packet; none after an error.
 pb::Ref<struct inUdpPacket> in___ImpUdpUnixChannelTake( in___ImpUdpUnixChannel &channel,
                                                         struct unixFdObserver *channelObserver )

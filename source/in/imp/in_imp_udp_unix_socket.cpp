@@ -79,13 +79,15 @@ bool tryBind( int fd, SocketAddress &address )
     return bind( fd, address.get(), static_cast<socklen_t>( address.length ) ) == 0;
 }
 
-pb::Ref<struct inUdpAddress> boundAddress( int fd )
+// Shares the address that was asked for, unless the system reports another: all channels of a stack then have one.
+pb::Ref<struct inUdpAddress> boundAddress( int fd, const struct inAddress *asked )
 {
     SocketAddress address;
     socklen_t length = sizeof address.storage;
-    pb::Ref<struct inUdpAddress> udpAddress;
-    if ( getsockname( fd, address.get(), &length ) == 0 )
-        in___ImpSockaddrToUdpAddress( address.get(), length, udpAddress.address() ); // leaves it empty on failure
+    if ( getsockname( fd, address.get(), &length ) != 0 )
+        return {};
+    auto udpAddress = pb::adopt( inUdpAddressCreate( asked, 1 ) );
+    in___ImpSockaddrUpdateUdpAddress( address.get(), length, udpAddress.address() ); // leaves it empty on failure
     return udpAddress;
 }
 
@@ -116,7 +118,7 @@ std::optional<in___ImpUdpUnixSocket> in___ImpUdpUnixSocketTryOpen( const struct 
                 || !tryJoin( fd, ipv6, interfaceIndex( fd, optionalInterface ), address ) )
         return std::nullopt;
 
-    auto udpAddress = boundAddress( fd );
+    auto udpAddress = boundAddress( fd, localAddress );
     if ( !udpAddress )
         return std::nullopt;
     return in___ImpUdpUnixSocket{ std::move( descriptor ), std::move( udpAddress ) };
