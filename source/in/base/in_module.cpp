@@ -7,6 +7,7 @@
 #include "in/base/in_module_internal.h"
 #include "in/base/in_stack_imp_internal.h"
 #include "in/base/in_stack_internal.h"
+#include "in/csupdate/in_csupdate_internal.h"
 #include "in/imp/in_imp_qos_internal.h"
 #include "in/imp/in_imp_udp_internal.h"
 #include "in/nw/in_nw_address_type_internal.h"
@@ -81,6 +82,12 @@ pbBool in___ModuleStartup( void )
     in___QosWindowsTrafficTypeStartup();
     in___TcpFlagsStartup();
     in___UdpFlagsStartup();
+    in___Csupdate20130104Startup();
+    in___Csupdate20171013Startup();
+    in___Csupdate20180703Startup();
+    in___Csupdate20190306Startup();
+    in___Csupdate20200204Startup();
+    in___Csupdate20200219Startup();
     in___CsModuleBackend.set( pb::adopt( csModuleBackendCreate( &in___module, in___CsModuleInfoFunc ) ) );
     return true;
 }
@@ -89,6 +96,12 @@ pbBool in___ModuleStartup( void )
 void in___ModuleShutdown( void )
 {
     in___CsModuleBackend.invalidate();
+    in___Csupdate20200219Shutdown();
+    in___Csupdate20200204Shutdown();
+    in___Csupdate20190306Shutdown();
+    in___Csupdate20180703Shutdown();
+    in___Csupdate20171013Shutdown();
+    in___Csupdate20130104Shutdown();
     in___QosStackCsShutdown();
     // What the stacks have changed is taken back while there are interfaces to do it.
     in___NwStackImpHaltWait();

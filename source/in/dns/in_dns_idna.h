@@ -20,7 +20,8 @@ IN_API struct pbString *inDnsIdnaLabelToUnicode( const struct pbString *adnLabel
 
 // A name is one or more labels. U+002E, U+3002, U+FF0E and U+FF61 separate them; one may end the name. The length of
 // a whole name is not limited. The conversions abort on a text that is none; their results have U+002E between the
-// labels and none at the end.
+// labels and none at the end. A label may prepare or decode to text that holds a separator (U+2024 prepares to ".",
+// "xn--r6jz45g" decodes to text that ends in U+3002): what comes from outside is checked again as a whole name.
 IN_API pbBool inDnsIdnaDomainNameOk( const struct pbString *name );
 IN_API struct pbString *inDnsIdnaDomainNameToAscii( const struct pbString *name );
 IN_API struct pbString *inDnsIdnaDomainNameToUnicode( const struct pbString *name );
