@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size )
     const pb::String text = pb::string( { reinterpret_cast<const char *>( data ), size } );
     pbChar values[64];
     const size_t count = std::min( size / sizeof( pbChar ), std::size( values ) );
-    std::memcpy( values, data, count * sizeof( pbChar ) );
+    std::copy_n( data, count * sizeof( pbChar ), reinterpret_cast<uint8_t *>( values ) );
     const bool scalars = std::all_of( values, values + count, []( pbChar c ) { return PB_CHAR_OK( c ); } );
     const pb::String wide = pb::adopt( pbStringCreateFromChars( values, static_cast<pbInt>( count ) ) );
     PB_ASSERT( bool( convert( inDnsPunycodeTryEncode, wide ) ) == scalars );
