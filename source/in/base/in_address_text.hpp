@@ -31,6 +31,8 @@ inline constexpr const char *networkPattern =
     "^\\s*(?:" IN___TEXT_V4 "\\s*(?:/(?:-0*[01]|0*(?:3[0-2]|[12]?[0-9])))?|" IN___TEXT_V6
     "\\s*(?:/(?:-0*[01]|0*(?:12[0-8]|1[01][0-9]|[1-9]?[0-9])))?)$";
 
+inline constexpr char hexDigits[] = "0123456789abcdef";
+
 // Longest results: "255.255.255.255", eight groups of four digits, and brackets around those.
 inline constexpr size_t capacity = 48;
 inline constexpr pbInt groupCount = 8; // of 16 bits, in an IPv6 address
