@@ -161,6 +161,20 @@ std::string configSchema( Keys keys, bool whole )
     return object( members );
 }
 
+// What saving notes of the modules.
+std::string modulesSchema()
+{
+    const Members module{ { "version", object( { { "type", quoted( "string" ) },
+                                                 { "pattern", quoted( "^[0-9]+[.][0-9]+$" ) } } ) },
+                          { "info", object( { { "type", quoted( "object" ) } } ) } };
+    const std::string entry = object( { { "type", quoted( "object" ) },
+                                        { "properties", object( module ) },
+                                        { "additionalProperties", "false" } } );
+    return object( { { "description", quoted( "The modules that have saved the file; not for people" ) },
+                     { "type", quoted( "object" ) },
+                     { "additionalProperties", entry } } );
+}
+
 std::string schema()
 {
     Registry &registry = Registry::instance();
@@ -194,7 +208,7 @@ std::string schema()
     return object( { { "$schema", quoted( "https://json-schema.org/draft/2020-12/schema" ) },
                      { "title", quoted( "Configuration of Internetworking" ) },
                      { "type", quoted( "object" ) },
-                     { "properties", object( { { "objects", object( objects ) } } ) },
+                     { "properties", object( { { "objects", object( objects ) }, { "modules", modulesSchema() } } ) },
                      { "required", texts( { "objects" } ) },
                      { "additionalProperties", "false" },
                      { "$defs", object( definitions ) } } );

@@ -19,10 +19,21 @@ struct Context {
     std::function<Exit()> run; // the sub-command, with its options
 };
 
+// The end of every --help.
+inline constexpr const char *exitCodes = "Exit codes:\n"
+                                  "  0 yes        1 the answer is no    2 wrong usage    3 bad configuration\n"
+                                  "  4 not permitted (the message names the capability)  5 system error\n";
+
 // A sub-command with --json; examples are shown below its options.
 CLI::App *addCommand( CLI::App &parent, Context &context, const std::string &name, const std::string &description,
                       const std::string &examples );
 void addJsonOption( CLI::App &command, Context &context );
+
+// Not one of those that only the build uses.
+inline bool isShown( const CLI::App &command )
+{
+    return !command.get_group().empty();
+}
 
 // Each in its own file: adds the sub-command, whose callback sets context.run.
 void addInterfaces( CLI::App &root, Context &context );
@@ -31,6 +42,11 @@ void addUdpSend( CLI::App &udp, Context &context );
 void addUdpReceive( CLI::App &udp, Context &context );
 void addRun( CLI::App &root, Context &context );
 void addTour( CLI::App &root, Context &context );
+void addCheck( CLI::App &root, Context &context );
+void addExplain( CLI::App &root, Context &context );
+void addDoctor( CLI::App &root, Context &context );
+void addCompletion( CLI::App &root, Context &context );
+void addManual( CLI::App &root, Context &context ); // for the build of the manual pages, not shown
 void addVersion( CLI::App &root, Context &context );
 
 } // namespace inctl

@@ -64,6 +64,20 @@ pb::Ref<struct pbObj> Configuration::object( const std::string &name, const stru
 {
     if ( auto found = pb::adopt( csConfigurationObject( configuration_.get(), pb::string( name ).get(), sort ) ) )
         return found;
+    failToFind( name, sort );
+}
+
+pb::Ref<struct pbStore> Configuration::store( const std::string &name, const struct pbSort *sort ) const
+{
+    const std::vector<Object> all = objects();
+    for ( size_t i = 0; i < all.size(); ++i )
+        if ( all[i].name == name && all[i].sort == pbSortName( sort ) )
+            return pb::adopt( csConfigurationStoreAt( configuration_.get(), static_cast<pbInt>( i ) ) );
+    failToFind( name, sort );
+}
+
+void Configuration::failToFind( const std::string &name, const struct pbSort *sort ) const
+{
     std::vector<std::string> names;
     for ( const Object &object : objects() )
         if ( object.sort == pbSortName( sort ) )

@@ -36,7 +36,11 @@ public:
     // The object of that name, which must be of that sort. Throws Failure with the names there are.
     pb::Ref<struct pbObj> object( const std::string &name, const struct pbSort *sort ) const;
 
+    // The configuration of the record of that name, which must be of that sort; needs no start. Throws Failure likewise.
+    pb::Ref<struct pbStore> store( const std::string &name, const struct pbSort *sort ) const;
+
 private:
+    [[noreturn]] void failToFind( const std::string &name, const struct pbSort *sort ) const;
     void accept( struct csConfiguration *loaded, const pb::Ref<struct pbVector> &problems, const std::string &name );
 
     pb::Ref<struct csConfiguration> configuration_;

@@ -26,4 +26,23 @@ std::string HelpFormatter::make_option_opts( const CLI::Option *option ) const
     return takesValue ? " " + option->get_type_name() : "";
 }
 
+// The validator's own name carries them: the parser uses it for nothing.
+CLI::Validator oneOf( const std::vector<std::string> &names )
+{
+    return quiet( CLI::IsMember( names ) ).name( "one of|" + CLI::detail::join( names, "|" ) );
+}
+
+std::vector<std::string> namesOf( CLI::Option &option )
+{
+    try {
+        std::vector<std::string> names = CLI::detail::split( option.get_validator( 0 )->get_name(), '|' );
+        if ( names.front() != "one of" )
+            return {};
+        names.erase( names.begin() );
+        return names;
+    } catch ( const CLI::OptionNotFound & ) { // it has no validator
+        return {};
+    }
+}
+
 } // namespace inctl

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include <string>
+#include <vector>
 
 namespace inctl {
 
@@ -21,6 +22,11 @@ inline CLI::Validator quiet( CLI::Validator check )
 {
     return check.description( "" );
 }
+
+// One of these names, which completion offers, too.
+CLI::Validator oneOf( const std::vector<std::string> &names );
+// The names that oneOf has given the option; empty without.
+std::vector<std::string> namesOf( CLI::Option &option );
 
 } // namespace inctl
 

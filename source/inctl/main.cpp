@@ -13,10 +13,6 @@
 namespace inctl {
 namespace {
 
-constexpr const char *exitCodes = "Exit codes:\n"
-                                  "  0 yes        1 the answer is no    2 wrong usage    3 bad configuration\n"
-                                  "  4 not permitted (the message names the capability)  5 system error\n";
-
 const CLI::App &deepest( const CLI::App &app )
 {
     const auto chosen = app.get_subcommands();
@@ -38,7 +34,7 @@ std::vector<std::string> optionNames( const CLI::App &command )
 std::vector<std::string> commandNames( const CLI::App &command )
 {
     std::vector<std::string> names;
-    for ( const CLI::App *child : command.get_subcommands( []( const CLI::App * ) { return true; } ) )
+    for ( const CLI::App *child : command.get_subcommands( []( const CLI::App *app ) { return isShown( *app ); } ) )
         names.push_back( child->get_name() );
     return names;
 }
@@ -93,7 +89,7 @@ Exit parse( CLI::App &app, Context &context, int argumentCount, char **arguments
         noteJson( context, argumentCount, arguments );
         context.run = nullptr;
         context.output.failure( { Exit::Usage, explain( app, error ) } );
-        fmt::print( stderr, "Try: {} --help\n", fullName( deepest( app ) ) );
+        complain( fmt::format( "Try: {} --help\n", fullName( deepest( app ) ) ) );
         return Exit::Usage;
     }
 }
@@ -120,10 +116,15 @@ Exit run( int argumentCount, char **arguments )
     addUdpReceive( *udp, context );
     addRun( app, context );
     addTour( app, context );
+    addCheck( app, context );
+    addExplain( app, context );
+    addDoctor( app, context );
+    addCompletion( app, context );
+    addManual( app, context );
     addVersion( app, context );
 
     if ( argumentCount < 2 ) {
-        fmt::print( "{}", app.help() );
+        (void)std::fputs( app.help().c_str(), stdout ); // the exit code says it, too
         return Exit::Usage;
     }
     const Exit parsed = parse( app, context, argumentCount, arguments );
@@ -143,7 +144,7 @@ void addJsonOption( CLI::App &command, Context &context )
 {
     command.add_flag( "--json{short}", context.jsonForm, "JSON instead of text, short (one line) or pretty" )
         ->type_name( "FORM" )
-        ->check( quiet( CLI::IsMember( { "short", "pretty" } ) ) );
+        ->check( oneOf( { "short", "pretty" } ) );
 }
 
 CLI::App *addCommand( CLI::App &parent, Context &context, const std::string &name, const std::string &description,

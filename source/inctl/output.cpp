@@ -85,9 +85,14 @@ void Output::failure( const Failure &failure )
     const bool colour = wantsColour( STDERR_FILENO );
     // A bad configuration comes as lines that editors and compilers' readers understand; they stand for themselves.
     const std::string_view prefix = failure.exit == Exit::Configuration ? "" : "inctl: ";
-    fmt::print( stderr, "{}{}\n", colour && !prefix.empty() ? painted( Paint::Bad, prefix ) : prefix,
-                failure.sentence );
+    complain( fmt::format( "{}{}\n", colour && !prefix.empty() ? painted( Paint::Bad, prefix ) : prefix,
+                           failure.sentence ) );
     record( Record().set( "error", failure.sentence ) );
+}
+
+void complain( std::string_view text )
+{
+    (void)std::fwrite( text.data(), 1, text.size(), stderr );
 }
 
 std::string timeOfDay()

@@ -25,6 +25,8 @@ public:
 
     // A line for a person; nothing when JSON is wanted.
     void line( std::string_view text );
+    // Text that is the result in either form.
+    void text( std::string_view text ) { write( text ); }
     // A whole result, or one event of a stream; nothing unless JSON is wanted.
     void record( const Record &record );
     // The sentence to standard error, and for programs {"error": ...} to standard output.
@@ -38,6 +40,9 @@ private:
 
     bool broken_ = false;
 };
+
+// To standard error, as it is. Where that takes nothing there is nobody to tell, and the exit code still stands.
+void complain( std::string_view text );
 
 // The time of day here, to the millisecond, and for records the time in RFC 3339 form (UTC, microseconds).
 std::string timeOfDay();

@@ -36,7 +36,7 @@ void addQosOptions( CLI::App &command, QosChoice &choice )
 {
     command.add_option( "--qos", choice.profile, "Mark as none, ipc, voice or signaling" )
         ->type_name( "PROFILE" )
-        ->check( quiet( CLI::IsMember( { "none", "ipc", "voice", "signaling" } ) ) );
+        ->check( oneOf( { "none", "ipc", "voice", "signaling" } ) );
     command.add_option( "--tos", choice.tos, "Mark with this TOS or traffic class byte, 0..255 or 0x00..0xFF" )
         ->type_name( "BYTE" )
         ->check( quiet( CLI::Range( 0, 255 ) ) );

@@ -37,9 +37,10 @@ public:
     Record &set( std::string_view key, const Record &record ) { return set( key, record.store_ ); }
 
     // As a store array.
-    Record &append( const Record &entry )
+    Record &append( const Record &entry ) { return append( entry.store_ ); }
+    Record &append( const pb::Ref<struct pbStore> &entry )
     {
-        pbStoreArrayAppendStore( store_.address(), entry.store() );
+        pbStoreArrayAppendStore( store_.address(), entry.get() );
         return *this;
     }
     Record &append( const pb::String &entry )

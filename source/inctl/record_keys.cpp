@@ -35,6 +35,16 @@ constexpr csKey objectEntry = store( "", objectKeys );
 constexpr csKey traceKeys[] = { text( "name" ), text( "text" ) };
 constexpr csKey traceEntry = store( "", traceKeys );
 
+constexpr csKey diagnosisKeys[] = { text( "file" ), text( "record" ), text( "key" ),
+                                    text( "what" ), text( "expected" ), text( "nearest" ) };
+constexpr csKey diagnosisEntry = store( "", diagnosisKeys );
+constexpr csKey candidateKeys[] = { text( "address" ), text( "interface" ), array( "excludedBy", anyText ) };
+constexpr csKey candidateEntry = store( "", candidateKeys );
+constexpr csKey choiceKeys[] = { array( "candidates", candidateEntry ), text( "address" ),
+                                 array( "interfaces", anyText ), text( "primaryInterface" ) };
+constexpr csKey checkKeys[] = { text( "name" ), text( "state" ), text( "detail" ), text( "remedy" ) };
+constexpr csKey checkEntry = store( "", checkKeys );
+
 // Of all records together: a key means the same in each.
 constexpr csKey recordKeys[] = {
     text( "error" ),
@@ -56,6 +66,11 @@ constexpr csKey recordKeys[] = {
     array( "objects", objectEntry ),
     array( "traces", traceEntry ),
     array( "dnsServers", anyText ),
+    text( "file" ),
+    text( "object" ),
+    array( "diagnoses", diagnosisEntry ),
+    store( "choice", choiceKeys ),
+    array( "checks", checkEntry ),
 };
 
 } // namespace

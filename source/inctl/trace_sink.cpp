@@ -3,6 +3,7 @@
 
 #include "inctl/exit_code.hpp"
 #include "inctl/help_formatter.hpp"
+#include "inctl/output.hpp"
 #include "inctl/preview.hpp"
 #include "inctl/record_keys.hpp"
 #include "inctl/signals_blocked.hpp"
@@ -80,12 +81,14 @@ std::string traceText( const struct trEvent &event )
 
 void addTraceOptions( CLI::App &command, TraceChoice &choice )
 {
-    command.add_flag( "--trace{-}", choice.target, "Trace to standard error, or to the end of a file" )
-        ->type_name( "FILE" );
+    CLI::Option *trace =
+        command.add_flag( "--trace{-}", choice.target, "Trace to standard error, or to the end of a file" );
+    trace->type_name( "FILE" );
     command.add_option( "--trace-format", choice.format, "text or json (an object a line)" )
         ->type_name( "FORM" )
-        ->check( quiet( CLI::IsMember( { "text", "json" } ) ) );
-    command.add_flag( "--trace-packets", choice.packets, "Trace every datagram with its bytes too" );
+        ->needs( trace )
+        ->check( oneOf( { "text", "json" } ) );
+    command.add_flag( "--trace-packets", choice.packets, "Trace every datagram with its bytes too" )->needs( trace );
 }
 
 TraceSink::TraceSink( const TraceChoice &choice ) : json_( choice.format == "json" )
@@ -119,7 +122,7 @@ TraceSink::~TraceSink()
     logger_.reset();
     thread_.reset(); // writes the rest
     if ( lost > 0 )
-        fmt::print( stderr, "inctl: {} trace lines came too fast and are not in the trace\n", lost );
+        complain( fmt::format( "inctl: {} trace lines came too fast and are not in the trace\n", lost ) );
 }
 
 void TraceSink::listen( const struct trEvent *event, void *context )

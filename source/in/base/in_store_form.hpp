@@ -139,7 +139,7 @@ struct Text {
             value = text;
         return static_cast<bool>( text );
     }
-    csKey describe( csKey & ) const { return { .kind = CS_KEY_TEXT }; }
+    csKey describe( csKey & ) const { return { .kind = CS_KEY_TEXT, .expected = "any text" }; }
 };
 
 // A value object by its text. A value that `accepts` refuses is not valid.

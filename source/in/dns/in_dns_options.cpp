@@ -2,10 +2,9 @@
 #include "in/dns/in_dns_options.h"
 
 #include "cs/cs_warnings.h"
-
 #include "in/base/in_store_form.hpp"
-#include "pb/pb_format.hpp"
 #include "in/dns/in_dns_options_internal.h"
+#include "pb/pb_format.hpp"
 
 PB_SORT_DECLARE( in___sort_IN_DNS_OPTIONS )
 
