@@ -75,15 +75,15 @@ TEST( CsLive, ApplyTouchesOnlyWhatChanged )
     for ( const Row &row : table ) {
         SCOPED_TRACE( row.remark );
         testPhone::events.clear();
-        EXPECT_EQ(
-            test::signals( configuration.get(), csConfigurationUpdateAddSignalable, csConfigurationUpdateDelSignalable,
-                           [&] { EXPECT_THAT( apply( configuration, row.text ), ElementsAreArray( row.changes ) ); } ),
-            row.signals );
+        EXPECT_EQ( test::signals(
+                       configuration.get(), csConfigurationUpdateAddSignalable, csConfigurationUpdateDelSignalable,
+                       [&] { EXPECT_THAT( applied( configuration, row.text ), ElementsAreArray( row.changes ) ); } ),
+                   row.signals );
         EXPECT_THAT( testPhone::events, ElementsAreArray( row.events ) );
     }
     testPhone::events.clear();
     csConfigurationStop( configuration.get() );
-    EXPECT_THAT( apply( configuration, Two ), IsEmpty() ); // stopped: nothing is made
+    EXPECT_THAT( applied( configuration, Two ), IsEmpty() ); // stopped: nothing is made
     EXPECT_EQ( csConfigurationLength( configuration.get() ), 2 );
     csConfigurationStart( configuration.get() );
     EXPECT_THAT( testPhone::events, ElementsAre( "+1", "+2" ) );
@@ -121,12 +121,12 @@ TEST( CsLive, WhatWasSetAtRunTimeStaysAndBelongsToTheTree )
     EXPECT_TRUE( csConditionValue( condition( configuration, "active" ).get() ) );
     csConditionSetValue( condition( configuration, "active" ).get(), false );
     csConditionSetValue( condition( configuration, "bare" ).get(), 2 );
-    EXPECT_THAT( apply( configuration, text ), IsEmpty() );
+    EXPECT_THAT( applied( configuration, text ), IsEmpty() );
     // The default is told where a value was; what nobody touched stays as it was written.
     EXPECT_EQ( treeText( configuration ), R"({"active": {"sort": "CS_CONDITION", "config": {"value": false}}, )"
                                           R"("bare": {"sort": "CS_CONDITION", "config": {"value": true}}, )"
                                           R"("p": {"sort": "TEST_PHONE", "config": {"host": "x..", "tos": 1}}})" );
-    EXPECT_THAT( apply( configuration, R"({ "objects": { "active": { "sort": "CS_CONDITION" } } })" ),
+    EXPECT_THAT( applied( configuration, R"({ "objects": { "active": { "sort": "CS_CONDITION" } } })" ),
                  ElementsAre( "p TEST_PHONE removed", "bare CS_CONDITION removed", "active CS_CONDITION configured" ) );
     const auto tree = pb::adopt( csConfigurationTree( configuration.get() ) );
     EXPECT_EQ( pb::utf8( pb::adopt( csJsonFromStore( tree.get(), CS_JSON_SHORT ) ) ),
@@ -154,13 +154,13 @@ TEST( CsLive, AConditionObserverFollowsNameValueAndConfiguration )
         { "a record of another sort", [&] { one = running( R"({ "objects": { "c": { "sort": "TEST_PHONE" } } })" ); },
           false, false, false },
         { "the record appears",
-          [&] { apply( one, R"({ "objects": { "c": { "sort": "CS_CONDITION", "config": { "value": true } } } })" ); },
+          [&] { applied( one, R"({ "objects": { "c": { "sort": "CS_CONDITION", "config": { "value": true } } } })" ); },
           true, true, true },
         { "its value", [&] { csConditionSetValue( condition( one, "c" ).get(), false ); }, true, false, false },
         { "the same value", [&] { csConditionSetValue( condition( one, "c" ).get(), false ); }, false, false, false },
         { "configured anew",
           [&] {
-              apply( one, R"({ "objects": { "d": { "sort": "CS_CONDITION" }, "c": { "sort": "CS_CONDITION" } } })" );
+              applied( one, R"({ "objects": { "d": { "sort": "CS_CONDITION" }, "c": { "sort": "CS_CONDITION" } } })" );
           },
           false, false, false },
         { "a condition that is given", configure( name.get(), given.get() ), true, true, true },
@@ -198,10 +198,10 @@ TEST( CsLive, AnObjectObserverFollowsTheRecordsOfItsSort )
         { "a name", [&] { csObjectObserverConfigure( observer.get(), name.get(), nullptr ); }, true, "" },
         { "appears", [&] { one = running( Two ); }, true, "1" },
         { "changes, the object is the same",
-          [&] { apply( one, R"({ "objects": { "a": { "sort": "TEST_PHONE", "config": { "title": "3" } } } })" ); },
+          [&] { applied( one, R"({ "objects": { "a": { "sort": "TEST_PHONE", "config": { "title": "3" } } } })" ); },
           false, "3" },
         { "a second one of the name", [&] { two = running( Two ); }, false, "3" },
-        { "the first one goes", [&] { apply( one, R"({ "objects": { "a": { "sort": "CS_CONDITION" } } })" ); }, true,
+        { "the first one goes", [&] { applied( one, R"({ "objects": { "a": { "sort": "CS_CONDITION" } } })" ); }, true,
           "1" },
         { "an object that is given", [&] { csObjectObserverConfigure( observer.get(), name.get(), given.get() ); },
           true, "given" },
@@ -226,7 +226,7 @@ TEST( CsLive, ManyReloadsLeakNothing )
     const Configuration configuration = running( Two );
     testPhone::events.clear();
     for ( int i = 0; i < 200; ++i )
-        apply( configuration, i % 2 ? Two : R"({ "objects": { "a": { "sort": "CS_CONDITION" },
+        applied( configuration, i % 2 ? Two : R"({ "objects": { "a": { "sort": "CS_CONDITION" },
             "n": { "sort": "TEST_PHONE" }, "b": { "sort": "TEST_PHONE", "config": { "title": "4" } } } })" );
     const auto count = [&]( char kind ) {
         return std::count_if( testPhone::events.begin(), testPhone::events.end(),

@@ -58,7 +58,7 @@ inline Configuration running( std::string_view text )
     return configuration;
 }
 // "NAME SORT change" of every record that was touched.
-inline std::vector<std::string> apply( const Configuration &configuration, std::string_view text )
+inline std::vector<std::string> applied( const Configuration &configuration, std::string_view text )
 {
     struct pbVector *changes = nullptr;
     csConfigurationApply( configuration.get(), parse( text ).get(), &changes );

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -24,15 +25,21 @@ struct testPhone final : pb::Object<struct testPhone, test___sort_TEST_PHONE> {
     explicit testPhone( struct pbStore *optionalStore )
         : store( optionalStore ? pb::share( optionalStore ) : pb::adopt( pbStoreCreate() ) ), title( titleOf() )
     {
-        events.push_back( "+" + title );
+        note( "+" + title );
     }
-    ~testPhone() { events.push_back( "-" + title ); }
+    ~testPhone() { note( "-" + title ); }
 
     void configure( struct pbStore *newStore )
     {
         store = pb::share( newStore );
         title = titleOf();
-        events.push_back( "=" + title );
+        note( "=" + title );
+    }
+    static void note( const std::string &event )
+    {
+        static std::mutex mutex;
+        const std::lock_guard guard( mutex );
+        events.push_back( event );
     }
     std::string titleOf() const
     {

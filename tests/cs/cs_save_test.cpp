@@ -1,0 +1,309 @@
+// Saving: what changes in the text, and that the file is whole whatever happens. IN_SOAK kills a saving process 1,000
+// times instead of 25.
+#include "cs/cs_json_patch_internal.h"
+#include "cs/live.hpp"
+#include "pb/pb_fd.hpp"
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+using namespace test;
+using testing::HasSubstr;
+using testing::IsEmpty;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char *Written = R"({ // of the north office
+    "objects": {
+        "active": { "sort": "CS_CONDITION", "config": { "value": true /* until noon */ } },
+        "desk": { "sort": "TEST_PHONE", "config": { "host": "x..", "title": "1" } } // the old one
+    }
+}
+)";
+constexpr const char *Edited = R"({ // of the north office
+    "objects": {
+        "active": { "sort": "CS_CONDITION", "config": { "value": false /* until noon */ } },
+        "desk": { "sort": "TEST_PHONE", "config": { "host": "x..", "title": "1" } } // the old one
+    },
+    "modules": {
+      "cs": {
+        "version": "17.1"
+      },
+      "test": {
+        "version": "1.0"
+      }
+    }
+}
+)";
+
+std::string read( const fs::path &path )
+{
+    std::ifstream file( path );
+    return { std::istreambuf_iterator<char>( file ), {} };
+}
+void write( const fs::path &path, std::string_view text )
+{
+    std::ofstream( path ) << text;
+}
+
+class CsSave : public testing::Test {
+  protected:
+    CsSave()
+    {
+        std::string name = testing::TempDir() + "cs_save_test.XXXXXX";
+        directory = ::mkdtemp( name.data() );
+        path = directory / "in.json";
+        write( path, Written );
+        fs::permissions( path, fs::perms( 0640 ) );
+    }
+    ~CsSave()
+    {
+        fs::permissions( directory, fs::perms( 0755 ) );
+        fs::remove_all( directory );
+    }
+
+    Configuration loaded() const
+    {
+        struct pbVector *problems = nullptr;
+        auto configuration = pb::adopt( csConfigurationTryLoad( pb::string( path.string() ).get(), &problems ) );
+        EXPECT_THAT( texts( problems ), IsEmpty() );
+        if ( configuration )
+            csConfigurationStart( configuration.get() );
+        return configuration;
+    }
+    static void flip( const Configuration &configuration, bool value )
+    {
+        csConditionSetValue( condition( configuration, "active" ).get(), value );
+    }
+    // Empty, or why not.
+    static std::string save( const Configuration &configuration, const fs::path &where )
+    {
+        struct pbString *problem = nullptr;
+        const bool saved = csConfigurationTrySave( configuration.get(), pb::string( where.string() ).get(), &problem );
+        const auto owned = pb::adopt( problem );
+        EXPECT_EQ( saved, !owned );
+        return saved ? "" : pb::utf8( owned );
+    }
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> names;
+        for ( const auto &entry : fs::directory_iterator( directory ) )
+            names.push_back( entry.path().filename() );
+        std::sort( names.begin(), names.end() );
+        return names;
+    }
+    // In another process: what it sets for itself ends with it. Its text, or "killed".
+    static std::string inChild( const std::function<std::string()> &body )
+    {
+        int ends[2];
+        EXPECT_EQ( ::pipe2( ends, O_CLOEXEC ), 0 );
+        const pb::Fd in( ends[0] );
+        pb::Fd out( ends[1] );
+        const pid_t child = ::fork();
+        if ( child == 0 ) {
+            const std::string text = body();
+            ::_exit( ::write( out.get(), text.data(), text.size() ) == static_cast<ssize_t>( text.size() ) ? 0 : 1 );
+        }
+        out.reset();
+        std::string text;
+        char block[4096];
+        for ( ssize_t count; ( count = ::read( in.get(), block, sizeof block ) ) > 0; )
+            text.append( block, static_cast<size_t>( count ) );
+        int status = 0;
+        ::waitpid( child, &status, 0 );
+        return WIFEXITED( status ) ? text : "killed";
+    }
+    static struct stat statusOf( const fs::path &where )
+    {
+        struct stat status = {};
+        EXPECT_EQ( ::stat( where.c_str(), &status ), 0 );
+        return status;
+    }
+
+    const Modules modules;
+    fs::path directory, path;
+};
+
+TEST_F( CsSave, ReplacesOnlyWhatDiffersInTheText )
+{
+    const struct Row {
+        const char *text, *wanted, *result;
+    } table[] = {
+        { "{ \"a\": 1, // one\n  \"b\": \"x\" /* two */ }", R"({"a": 2, "b": "5"})",
+          "{ \"a\": 2, // one\n  \"b\": \"5\" /* two */ }" },
+        { "{\n  \"a\": 1 // one\n}\n", R"({"a": 1, "b": {"c": 2}, "d": "x"})",
+          "{\n  \"a\": 1, // one\n  \"b\": {\n    \"c\": 2\n  },\n  \"d\": \"x\"\n}\n" },
+        { "{ \"a\": 1 // one\n}", R"({"a": 1, "b": 2})", "{ \"a\": 1, // one\n  \"b\": 2\n}" },
+        { R"({"a": {"x": 1 /* } */ }})", R"({"a": {"x": 1, "y": true}})", R"({"a": {"x": 1, /* } */ "y": true }})" },
+        { R"({ "a": { "x": 1, /* y */ "y": 2 }, "b": 3 })", R"({"a": {"y": 2}, "b": 3})",
+          R"({ "a": {"y": 2}, "b": 3 })" },
+        { R"({"a": 1, "b": {"x": 1}, "c": [1, 2], "d": {}})", R"({"a": {"x": 1}, "b": 7, "c": [1, 3], "d": {"e": 1}})",
+          R"({"a": {"x": 1}, "b": 7, "c": [1, 3], "d": {"e": 1}})" },
+        { "\xEF\xBB\xBF{\"\\u00e9\\\"\": \"\\\"\", \"n\": -1.5e3, \"t\": true}",
+          R"({"é\"": "\\n", "n": 2, "t": false})", "\xEF\xBB\xBF{\"\\u00e9\\\"\": \"\\\\n\", \"n\": 2, \"t\": false}" },
+    };
+    for ( const Row &row : table ) {
+        SCOPED_TRACE( row.text );
+        const auto wanted = cs::storeFromJsonText( row.wanted );
+        EXPECT_EQ( cs::patchedJson( row.text, wanted ), row.result );
+        EXPECT_EQ( cs::storeFromJsonText( row.result ), wanted );
+    }
+}
+
+TEST_F( CsSave, ThePersonsTextStaysButForWhatChanged )
+{
+    fs::create_symlink( "in.json", directory / "link" );
+    const Configuration configuration = loaded();
+    EXPECT_EQ( save( configuration, path ), "" );
+    EXPECT_EQ( read( path ), Written ); // no object changed
+
+    flip( configuration, false );
+    EXPECT_EQ( save( configuration, directory / "link" ), "" );
+    EXPECT_TRUE( fs::is_symlink( directory / "link" ) );
+    EXPECT_EQ( read( path ), Edited );
+    EXPECT_EQ( statusOf( path ).st_mode & 07777, 0640u );
+
+    const ino_t inode = statusOf( path ).st_ino;
+    EXPECT_EQ( save( configuration, path ), "" );
+    EXPECT_EQ( statusOf( path ).st_ino, inode ); // nothing was written
+    struct pbVector *problems = nullptr;
+    testPhone::events.clear();
+    EXPECT_TRUE(
+        csConfigurationTryReload( configuration.get(), pb::string( path.string() ).get(), &problems, nullptr ) );
+    pbVectorRelease( problems );
+    EXPECT_THAT( testPhone::events, IsEmpty() ); // the own save changes nothing
+
+    write( path, "{ // being edited" );
+    flip( configuration, true );
+    EXPECT_THAT( save( configuration, path ), HasSubstr( "in.json: not saved: it was changed since it was read" ) );
+    EXPECT_EQ( read( path ), "{ // being edited" );
+
+    const fs::path other = directory / "state.json";
+    EXPECT_EQ( save( configuration, other ), "" );
+    EXPECT_EQ( statusOf( other ).st_mode & 07777, 0600u );
+    EXPECT_THAT( read( other ), HasSubstr( "\"info\": {\n        \"phones\": 2" ) );
+    const ino_t otherInode = statusOf( other ).st_ino;
+    EXPECT_EQ( save( configuration, other ), "" );
+    EXPECT_EQ( statusOf( other ).st_ino, otherInode );
+}
+
+TEST_F( CsSave, SweepsUpWhatKilledProcessesLeft )
+{
+    const Configuration configuration = loaded();
+    write( directory / ".in.json.cs-save-abcdef", "left" );
+    write( directory / ".in.json.cs-save-ghijkl", "of a process that lives" );
+    write( directory / ".in.json.cs-save-x", "somebody's" );
+    write( directory / ".other.json.cs-save-abcdef", "another file's" );
+    const pb::Fd alive( ::open( ( directory / ".in.json.cs-save-ghijkl" ).c_str(), O_RDONLY | O_CLOEXEC ) );
+    ASSERT_EQ( ::flock( alive.get(), LOCK_EX ), 0 );
+    flip( configuration, false );
+    EXPECT_EQ( save( configuration, path ), "" );
+    EXPECT_THAT( names(), testing::ElementsAre( ".in.json.cs-save-ghijkl", ".in.json.cs-save-x",
+                                                ".other.json.cs-save-abcdef", "in.json" ) );
+}
+
+TEST_F( CsSave, WhatCannotBeSavedIsToldAndTheOldFileStays )
+{
+    const Configuration configuration = loaded();
+    flip( configuration, false );
+    const bool root = ::geteuid() == 0;
+    const auto asNobody = [&] { return !root || ::seteuid( 65534 ) == 0; };
+    const struct Row {
+        const char *problem;
+        bool needsRoot;
+        std::function<bool()> prepare; // in the child
+        fs::path where;
+    } table[] = {
+        { "not saved: writing: File too large", false,
+          [] {
+              const struct rlimit limit = { 100, 100 };
+              return ::setrlimit( RLIMIT_FSIZE, &limit ) == 0;
+          },
+          path },
+        { "not saved: creating a file beside it: Permission denied", false,
+          [&] {
+              fs::permissions( path, fs::perms( 0644 ) );
+              fs::permissions( directory, fs::perms( 0555 ) );
+              return asNobody();
+          },
+          path },
+        { "not saved: keeping its owner: Operation not permitted", true,
+          [&] {
+              fs::permissions( directory, fs::perms( 0777 ) );
+              return asNobody();
+          },
+          path },
+        { "not saved: opening its directory: No such file or directory", false, [] { return true; },
+          directory / "none" / "in.json" },
+        { "not saved: not a regular file: Invalid argument", false, [] { return true; }, directory },
+        { "not saved: finding the file: No such file or directory", false, [] { return true; },
+          directory / "dangling" },
+    };
+    fs::create_symlink( "nowhere", directory / "dangling" );
+    for ( const Row &row : table ) {
+        if ( row.needsRoot && !root )
+            continue;
+        SCOPED_TRACE( row.problem );
+        EXPECT_EQ( inChild( [&] {
+                       return row.prepare() ? save( configuration, row.where ) + " " + save( configuration, row.where )
+                                            : "cannot be prepared";
+                   } ),
+                   row.where.string() + ": " + row.problem + " " + row.where.string() + ": " + row.problem );
+        EXPECT_EQ( read( path ), Written );
+        EXPECT_THAT( names(), testing::ElementsAre( "dangling", "in.json" ) );
+    }
+    EXPECT_EQ( save( configuration, path ), "" ); // and once it can be, it is
+    EXPECT_EQ( read( path ), Edited );
+}
+
+TEST_F( CsSave, AKilledProcessLeavesTheOldOrTheNewTextWhole )
+{
+    std::string old = Edited; // large enough for several writes of the file system
+    old.insert( old.find( "        \"desk\"" ), "        // " + std::string( 100'000, 'x' ) + "\n" );
+    std::string fresh = old;
+    fresh.replace( fresh.find( "false" ), 5, "true" );
+    write( path, old );
+    std::minstd_rand random( 1 );
+    for ( int kill = 0; kill < ( std::getenv( "IN_SOAK" ) ? 1'000 : 25 ); ++kill ) {
+        int ends[2];
+        ASSERT_EQ( ::pipe2( ends, O_CLOEXEC ), 0 );
+        const pb::Fd in( ends[0] ), out( ends[1] );
+        const pid_t child = ::fork();
+        if ( child == 0 ) {
+            const Configuration configuration = loaded();
+            for ( bool value = false;; value = !value ) {
+                flip( configuration, value );
+                if ( !save( configuration, path ).empty() || ::write( out.get(), "s", 1 ) != 1 )
+                    ::_exit( 1 );
+            }
+        }
+        char saved[8];
+        for ( unsigned wait = 1 + random() % 4; wait > 0; --wait )
+            ASSERT_EQ( ::read( in.get(), saved, 1 ), 1 );
+        using Clock = std::chrono::steady_clock;
+        const auto end = Clock::now() + std::chrono::microseconds( random() % 3'000 );
+        while ( Clock::now() < end )
+            ; // into the middle of a later one
+        ASSERT_EQ( ::kill( child, SIGKILL ), 0 );
+        ASSERT_EQ( ::waitpid( child, nullptr, 0 ), child );
+        const std::string text = read( path );
+        ASSERT_TRUE( text == old || text == fresh ) << "kill " << kill << ": " << text.size() << " bytes";
+        ASSERT_LE( names().size(), 2u ) << "kill " << kill;
+    }
+    const Configuration configuration = loaded();
+    flip( configuration, !csConditionValue( condition( configuration, "active" ).get() ) );
+    EXPECT_EQ( save( configuration, path ), "" );
+    EXPECT_THAT( names(), testing::ElementsAre( "in.json" ) );
+}
+
+} // namespace
