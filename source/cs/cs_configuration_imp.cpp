@@ -32,6 +32,18 @@ Loaded loadedFrom( ParsedConfiguration parsed, const std::string &path, std::str
     return loaded;
 }
 
+namespace {
+
+LiveRecords withoutObjects( const LiveRecords &records )
+{
+    LiveRecords result = records;
+    for ( auto &record : result )
+        if ( record->optionalObject )
+            pb::edit( record.address() ).optionalObject.reset();
+    return result;
+}
+
+} // namespace
 } // namespace cs
 
 csConfiguration::csConfiguration( cs::Loaded loaded )
@@ -64,13 +76,9 @@ void csConfiguration::stop()
     if ( !std::exchange( started, false ) )
         return;
     cs::Loaded was = current();
-    cs::LiveRecords dead;
-    for ( const auto &record : was.records ) {
-        dead.push_back( pb::make<struct csRecord>( *record ) );
-        dead.back()->optionalObject.reset();
-    }
+    cs::LiveRecords stopped = cs::withoutObjects( was.records );
     cs::RecordsChange change( stream.get(), std::move( was.records ), {} );
-    publish( std::move( dead ), was.source );
+    publish( std::move( stopped ), was.source );
     change.releaseOthers();
 }
 
@@ -85,7 +93,7 @@ void csConfiguration::applyNow( const cs::Loaded &next, struct pbVector **option
     publish( currentRecords(), next.source );
     if ( started )
         return makeLive( next.records, optionalChanges );
-    publish( next.records, next.source );
+    publish( cs::withoutObjects( next.records ), next.source );
     cs::setVector( optionalChanges, pb::adopt( pbVectorCreate() ) );
 }
 

@@ -1,6 +1,6 @@
 // csObjectObserver: an object of one sort that is given itself or by the name of its record. A name is looked up in the
 // running configurations and followed: the record may appear later, go, and come back as another object.
-// Threads: any; with monitors of a rank below 95 held. Create, Configure and the last Release may drop the last
+// Threads: any; with monitors of a rank below 95 held. Configure and the last Release may drop the last
 // reference of an object, so no monitor is held around these.
 #ifndef CS_OBJECT_OBSERVER_H
 #define CS_OBJECT_OBSERVER_H

@@ -101,6 +101,7 @@ pb::Ref<struct csRecord> RecordsChange::configured( const pb::Ref<struct csRecor
 pb::Ref<struct csRecord> RecordsChange::created( const struct csRecord &next )
 {
     auto record = pb::make<struct csRecord>( next );
+    record->optionalObject.reset(); // of a configuration that is being copied while it runs
     if ( const Call call( record->sort ); call ) {
         const auto anchor = pb::adopt( trAnchorCreateWithAnnotationCstr(
             stream_, TR_ANCHOR_KIND_PLAIN, next.name.data(), static_cast<pbInt>( next.name.size() ) ) );
