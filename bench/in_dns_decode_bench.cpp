@@ -8,8 +8,8 @@
 #include "pb/pb_object.hpp"
 #include "support/dns_wire.hpp"
 
-#include <arpa/nameser.h>
 #include <ares.h>
+#include <arpa/nameser.h>
 #include <ldns/ldns.h>
 #include <netdb.h>
 
@@ -131,7 +131,8 @@ void aresSrv( benchmark::State &state )
     const std::string message = srvAnswer();
     for ( auto _ : state ) {
         ares_srv_reply *replies = nullptr;
-        if ( ares_parse_srv_reply( reinterpret_cast<const unsigned char *>( message.data() ), static_cast<int>( message.size() ), &replies ) )
+        if ( ares_parse_srv_reply( reinterpret_cast<const unsigned char *>( message.data() ),
+                                   static_cast<int>( message.size() ), &replies ) )
             state.SkipWithError( "not accepted" );
         ares_free_data( replies );
     }
@@ -142,7 +143,8 @@ void aresAddress( benchmark::State &state )
     const std::string message = addressAnswer();
     for ( auto _ : state ) {
         hostent *host = nullptr;
-        if ( ares_parse_a_reply( reinterpret_cast<const unsigned char *>( message.data() ), static_cast<int>( message.size() ), &host, nullptr, nullptr ) )
+        if ( ares_parse_a_reply( reinterpret_cast<const unsigned char *>( message.data() ),
+                                 static_cast<int>( message.size() ), &host, nullptr, nullptr ) )
             state.SkipWithError( "not accepted" );
         ares_free_hostent( host );
     }

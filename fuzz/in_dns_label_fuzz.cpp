@@ -1,5 +1,5 @@
 // Any bytes as a label of a DNS message: alone, first, in the middle and last, and as what a pointer leads to.
-#include "support/dns_invariants.hpp"
+#include "dns_invariants.hpp"
 #include "support/dns_wire.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size )

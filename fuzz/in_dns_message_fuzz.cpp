@@ -1,5 +1,5 @@
 // Any bytes as a DNS message.
-#include "support/dns_invariants.hpp"
+#include "dns_invariants.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size )
 {

@@ -1,6 +1,7 @@
 // Any bytes as the names of a DNS message: names in full and pointers, one after the other, each an SRV target so that
-// the root and every length are allowed. A byte of 0xFF ends a name, which no name in wire format needs before a pointer.
-#include "support/dns_invariants.hpp"
+// the root and every length are allowed. A byte of 0xFF ends a name, which no name in wire format needs before a
+// pointer.
+#include "dns_invariants.hpp"
 #include "support/dns_wire.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size )

@@ -11,7 +11,7 @@ namespace pb {
 
 // Does not own the bytes. A read that the rest cannot satisfy returns false and does not move.
 class ByteReader {
-public:
+  public:
     ByteReader( const uint8_t *bytes, pbInt size ) : bytes_( bytes ), size_( size ) {}
 
     pbInt size() const { return size_; }
@@ -36,7 +36,7 @@ public:
         return true;
     }
 
-private:
+  private:
     const uint8_t *bytes_;
     pbInt size_;
     pbInt offset_ = 0;

@@ -24,11 +24,23 @@ inline std::string dnsLabels( std::string_view name )
     return wire;
 }
 
-inline std::string dnsName( std::string_view name ) { return dnsLabels( name ) + '\0'; }
+inline std::string dnsName( std::string_view name )
+{
+    return dnsLabels( name ) + '\0';
+}
 
-inline std::string dns16( uint64_t value ) { return { static_cast<char>( value >> 8 ), static_cast<char>( value ) }; }
-inline std::string dns32( uint64_t value ) { return dns16( value >> 16 ) + dns16( value ); }
-inline std::string dnsPointer( size_t offset ) { return dns16( 0xC000 + offset ); }
+inline std::string dns16( uint64_t value )
+{
+    return { static_cast<char>( value >> 8 ), static_cast<char>( value ) };
+}
+inline std::string dns32( uint64_t value )
+{
+    return dns16( value >> 16 ) + dns16( value );
+}
+inline std::string dnsPointer( size_t offset )
+{
+    return dns16( 0xC000 + offset );
+}
 
 // Grows by records, and counts them in its header.
 struct DnsWire {
@@ -46,15 +58,15 @@ struct DnsWire {
     size_t record( DnsSection section, std::string_view name, unsigned type, std::string_view data, unsigned cls = 1,
                    uint64_t ttl = 300 )
     {
-        return append( section, std::string( name ) + dns16( type ) + dns16( cls ) + dns32( ttl ) + dns16( data.size() )
-                                    + std::string( data ) );
+        return append( section, std::string( name ) + dns16( type ) + dns16( cls ) + dns32( ttl ) +
+                                    dns16( data.size() ) + std::string( data ) );
     }
     size_t answer( std::string_view name, unsigned type, std::string_view data, unsigned cls = 1, uint64_t ttl = 300 )
     {
         return record( DnsSection::answer, name, type, data, cls, ttl );
     }
 
-private:
+  private:
     size_t append( DnsSection section, const std::string &record )
     {
         const size_t offset = bytes.size(), count = 4 + 2 * static_cast<size_t>( section );

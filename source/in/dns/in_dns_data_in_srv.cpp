@@ -9,7 +9,8 @@
 // The highest priority value first.
 std::strong_ordering inDnsDataInSrv::operator<=>( const inDnsDataInSrv &other ) const
 {
-    return std::tie( other.priority, weight, target, port ) <=> std::tie( priority, other.weight, other.target, other.port );
+    return std::tie( other.priority, weight, target, port ) <=>
+           std::tie( priority, other.weight, other.target, other.port );
 }
 
 pb::String inDnsDataInSrv::toString() const

@@ -1,5 +1,5 @@
-// inDnsDataInSrv: where a service is to be had (RFC 2782), a value. Orders by priority, the highest first, then by weight,
-// target (a record without one first) and port.
+// inDnsDataInSrv: where a service is to be had (RFC 2782), a value. Orders by priority, the highest first, then by
+// weight, target (a record without one first) and port.
 #ifndef IN_DNS_DATA_IN_SRV_H
 #define IN_DNS_DATA_IN_SRV_H
 

@@ -21,8 +21,8 @@ IN_API pbBool inDnsDataSoaEquals( const struct inDnsDataSoa *a, const struct inD
 
 // mname is the primary server, rname the mailbox of who is responsible; both are valid domain names. serial is taken as
 // signed 32 bits; the times are seconds, 0..0x7FFFFFFF.
-IN_API struct inDnsDataSoa *inDnsDataSoaCreate( const struct pbString *mname, const struct pbString *rname, pbInt serial,
-                                                pbInt refresh, pbInt retry, pbInt expire, pbInt minimum );
+IN_API struct inDnsDataSoa *inDnsDataSoaCreate( const struct pbString *mname, const struct pbString *rname,
+                                                pbInt serial, pbInt refresh, pbInt retry, pbInt expire, pbInt minimum );
 IN_API struct inDnsDataSoa *inDnsDataSoaCreateFrom( const struct inDnsDataSoa *source );
 
 IN_API struct pbString *inDnsDataSoaMname( const struct inDnsDataSoa *soa );

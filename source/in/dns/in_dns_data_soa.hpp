@@ -8,8 +8,8 @@
 PB_SORT_DECLARE( in___sort_IN_DNS_DATA_SOA )
 
 struct inDnsDataSoa final : pb::Object<struct inDnsDataSoa, in___sort_IN_DNS_DATA_SOA> {
-    in::dns::Name mname, rname; // never absent
-    pbInt serial = 0;           // signed 32 bits
+    in::dns::Name mname, rname;                            // never absent
+    pbInt serial = 0;                                      // signed 32 bits
     pbInt refresh = 0, retry = 0, expire = 0, minimum = 0; // 0..0x7FFFFFFF
 };
 

@@ -38,7 +38,8 @@ inline uint64_t loadFirst( const uint8_t *bytes, size_t length, const uint8_t *e
 
 inline bool hasAcePrefix( const uint8_t *bytes, size_t length )
 {
-    return length >= 4 && ( bytes[0] | 0x20 ) == 'x' && ( bytes[1] | 0x20 ) == 'n' && bytes[2] == '-' && bytes[3] == '-';
+    return length >= 4 && ( bytes[0] | 0x20 ) == 'x' && ( bytes[1] | 0x20 ) == 'n' && bytes[2] == '-' &&
+           bytes[3] == '-';
 }
 
 } // namespace detail

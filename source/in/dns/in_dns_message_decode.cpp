@@ -29,7 +29,7 @@ constexpr uint32_t topBit = 0x80000000;
 
 // Reads one message in the order of the wire. The functions return false when the message cannot be accepted.
 class Decoder {
-public:
+  public:
     explicit Decoder( const struct pbBuffer *buffer )
         // More than names and counts can reach is left unread, so that an offset fits 32 bits.
         : reader_( pbBufferBacking( buffer ), std::min( pbBufferLength( buffer ), PB_INT_FROM( UINT32_MAX ) ) ),
@@ -39,7 +39,7 @@ public:
 
     bool message( struct inDnsMessage &msg );
 
-private:
+  private:
     bool questions( pbInt count, Vector &section );
     bool records( pbInt count, Vector &section );
     bool record( Record &rr );
@@ -99,8 +99,8 @@ bool Decoder::message( struct inDnsMessage &msg )
     msg.recursionAvailable = flags >> 7 & 1;
     msg.response = flags & 0xF;
     const pbInt questionCount = u16(), answerCount = u16(), authorityCount = u16(), additionalCount = u16();
-    return questions( questionCount, msg.question ) && records( answerCount, msg.answer )
-           && records( authorityCount, msg.authority ) && records( additionalCount, msg.additional );
+    return questions( questionCount, msg.question ) && records( answerCount, msg.answer ) &&
+           records( authorityCount, msg.authority ) && records( additionalCount, msg.additional );
 }
 
 bool Decoder::questions( pbInt count, Vector &section )

@@ -44,8 +44,8 @@ pb::String in___DnsLongName::toString() const
             append( text, position + 1, *position, end );
             position += 1 + *position;
         }
-    return pb::adopt( pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text.data() ),
-                                               static_cast<pbInt>( text.size() ) ) );
+    return pb::adopt(
+        pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text.data() ), static_cast<pbInt>( text.size() ) ) );
 }
 
 namespace in::dns {

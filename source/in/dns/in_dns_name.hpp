@@ -9,7 +9,7 @@
 namespace in::dns {
 
 class Name {
-public:
+  public:
     // Names up to this many code points are kept as text. A few bytes that point at a name make another one of nearly
     // its length, so that a message of 64 KiB can hold half a gigabyte of longer ones.
     static constexpr size_t longestText = 1024;
@@ -28,7 +28,7 @@ public:
     friend std::strong_ordering operator<=>( const Name &a, const Name &b ) { return a.text() <=> b.text(); }
     friend bool operator==( const Name &a, const Name &b ) { return ( a <=> b ) == 0; }
 
-private:
+  private:
     pb::Ref<struct pbObj> held_;
 };
 

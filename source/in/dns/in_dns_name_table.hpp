@@ -13,10 +13,10 @@
 
 namespace in::dns {
 
-// A suffix is its first label and the suffix behind it, so that however many names end alike, each label is read, checked
-// and kept once. The text of a suffix is made when a name first consists of it, and then shared.
+// A suffix is its first label and the suffix behind it, so that however many names end alike, each label is read,
+// checked and kept once. The text of a suffix is made when a name first consists of it, and then shared.
 class NameTable {
-public:
+  public:
     explicit NameTable( const struct pbBuffer *message );
     NameTable( const NameTable & ) = delete;
     NameTable &operator=( const NameTable & ) = delete;
@@ -25,7 +25,7 @@ public:
     // no valid domain name: nothing more must be read then.
     bool tryRead( pb::ByteReader &reader, Name &name );
 
-private:
+  private:
     using Index = uint32_t;
     static constexpr Index none = 0; // no suffix starts there
     static constexpr Index root = 1;

@@ -1,7 +1,7 @@
 // A DNS decoder in the plainest words, to compare the real one with: which messages are accepted, and the names in the
 // order of the wire. Every name is copied in full and checked in full.
-#ifndef SUPPORT_DNS_REFERENCE_HPP
-#define SUPPORT_DNS_REFERENCE_HPP
+#ifndef DNS_REFERENCE_HPP
+#define DNS_REFERENCE_HPP
 
 #include "in/dns/in_dns_idna.h"
 #include "pb/pb_string.hpp"
@@ -14,7 +14,7 @@
 namespace support {
 
 class DnsReference {
-public:
+  public:
     explicit DnsReference( std::string_view bytes ) : bytes_( bytes )
     {
         accepted = header();
@@ -22,10 +22,10 @@ public:
     }
 
     bool accepted;
-    size_t size; // of what was read
+    size_t size;                       // of what was read
     std::vector<std::u32string> names; // empty for the root
 
-private:
+  private:
     bool has( size_t count ) const { return bytes_.size() - at_ >= count; }
     size_t number( size_t count )
     {

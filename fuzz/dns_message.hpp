@@ -1,6 +1,6 @@
 // Looking into DNS messages: all names in the order of the wire, and the whole message as text.
-#ifndef SUPPORT_DNS_MESSAGE_HPP
-#define SUPPORT_DNS_MESSAGE_HPP
+#ifndef DNS_MESSAGE_HPP
+#define DNS_MESSAGE_HPP
 
 #include "in/base/in_address.h"
 #include "in/dns/in_dns_data_in_srv.h"
@@ -48,14 +48,16 @@ inline std::vector<pb::String> dnsDataNames( const struct inDnsResourceRecord *r
     }
     if ( auto soa = pb::adopt( inDnsResourceRecordSoa( record ) ) ) {
         auto mname = pb::adopt( inDnsDataSoaMname( soa.get() ) ), rname = pb::adopt( inDnsDataSoaRname( soa.get() ) );
-        inDnsDataSoaRelease( inDnsDataSoaCreate( mname.get(), rname.get(), inDnsDataSoaSerial( soa.get() ), inDnsDataSoaRefresh( soa.get() ),
-                                                 inDnsDataSoaRetry( soa.get() ), inDnsDataSoaExpire( soa.get() ), inDnsDataSoaMinimum( soa.get() ) ) );
+        inDnsDataSoaRelease( inDnsDataSoaCreate( mname.get(), rname.get(), inDnsDataSoaSerial( soa.get() ),
+                                                 inDnsDataSoaRefresh( soa.get() ), inDnsDataSoaRetry( soa.get() ),
+                                                 inDnsDataSoaExpire( soa.get() ), inDnsDataSoaMinimum( soa.get() ) ) );
         return { mname, rname };
     }
     if ( auto srv = pb::adopt( inDnsResourceRecordInSrv( record ) ) ) {
         auto target = pb::adopt( inDnsDataInSrvTarget( srv.get() ) );
-        inDnsDataInSrvRelease( inDnsDataInSrvCreate( inDnsDataInSrvPriority( srv.get() ), inDnsDataInSrvWeight( srv.get() ),
-                                                     inDnsDataInSrvPort( srv.get() ), target.get() ) );
+        inDnsDataInSrvRelease( inDnsDataInSrvCreate( inDnsDataInSrvPriority( srv.get() ),
+                                                     inDnsDataInSrvWeight( srv.get() ), inDnsDataInSrvPort( srv.get() ),
+                                                     target.get() ) );
         return { target };
     }
     return {};
@@ -65,7 +67,8 @@ inline std::vector<pb::String> dnsDataNames( const struct inDnsResourceRecord *r
 inline std::vector<pb::Ref<struct inDnsResourceRecord>> dnsRecords( const DnsMessage &msg )
 {
     std::vector<pb::Ref<struct inDnsResourceRecord>> records;
-    for ( const auto vector : { inDnsMessageAnswerVector, inDnsMessageAuthorityVector, inDnsMessageAdditionalVector } ) {
+    for ( const auto vector :
+          { inDnsMessageAnswerVector, inDnsMessageAuthorityVector, inDnsMessageAdditionalVector } ) {
         const auto section = pb::adopt( vector( msg.get() ) );
         for ( pbInt i = 0; i < pbVectorLength( section.get() ); ++i )
             records.push_back( pb::adopt( inDnsResourceRecordFrom( pbVectorObjAt( section.get(), i ) ) ) );
@@ -78,7 +81,8 @@ inline std::vector<pb::String> dnsNames( const DnsMessage &msg )
 {
     std::vector<pb::String> names;
     for ( pbInt i = 0; i < inDnsMessageQuestionLength( msg.get() ); ++i )
-        names.push_back( pb::adopt( inDnsQuestionRecordName( pb::adopt( inDnsMessageQuestionRecordAt( msg.get(), i ) ).get() ) ) );
+        names.push_back(
+            pb::adopt( inDnsQuestionRecordName( pb::adopt( inDnsMessageQuestionRecordAt( msg.get(), i ) ).get() ) ) );
     for ( const auto &record : dnsRecords( msg ) ) {
         names.push_back( pb::adopt( inDnsResourceRecordName( record.get() ) ) );
         for ( auto &name : dnsDataNames( record.get() ) )

@@ -1,10 +1,10 @@
 // What holds for every sequence of bytes given to the DNS decoder.
-#ifndef SUPPORT_DNS_INVARIANTS_HPP
-#define SUPPORT_DNS_INVARIANTS_HPP
+#ifndef DNS_INVARIANTS_HPP
+#define DNS_INVARIANTS_HPP
 
+#include "dns_message.hpp"
+#include "dns_reference.hpp"
 #include "pb/pb_assert.hpp"
-#include "support/dns_message.hpp"
-#include "support/dns_reference.hpp"
 
 namespace support {
 
