@@ -86,13 +86,15 @@ const std::string RecordNamePattern = "^[0-9A-Za-z_.-]{1,255}$";
 const std::string AnyText = R"(["string","number","boolean"])"; // all are kept as text
 const std::string EmptyObject = object( { { "type", quoted( "object" ) }, { "maxProperties", "0" } } );
 
+// Nothing at all, or at least one name.
 std::string flagsPattern( const std::vector<std::string> &names )
 {
     std::string name;
     for ( const std::string &known : names )
-        name += known + "|"; // the last alternative is none
-    name = std::string( Blanks ) + "(?:" + name + ")" + Blanks;
-    return "^" + name + "(?:\\|" + name + ")*$";
+        name += ( name.empty() ? "" : "|" ) + known;
+    const std::string blanks = Blanks;
+    name = "(?:" + name + ")" + blanks;
+    return "^(?:[ \\t\\n\\v\\f\\r|]*" + name + "(?:\\|" + blanks + "(?:" + name + ")?)*)?$";
 }
 
 std::string configSchema( Keys keys, bool whole );

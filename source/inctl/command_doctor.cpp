@@ -15,14 +15,26 @@
 namespace inctl {
 namespace {
 
-// What the sorts say of a file on this host; the same as inctl check --online.
+std::vector<std::string> diagnoses( const std::string &file, bool online, bool withWarnings )
+{
+    std::vector<std::string> texts;
+    for ( const auto &diagnosis :
+          items( pb::adopt( csDiagnoseFile( pb::string( file ).get(), online ) ), csDiagnosisFrom ) )
+        if ( withWarnings || csDiagnosisSeverity( diagnosis.get() ) == CS_DIAGNOSIS_ERROR )
+            texts.push_back( pb::utf8( pb::adopt( csDiagnosisToString( diagnosis.get() ) ) ) );
+    return texts;
+}
+
+// What is wrong with a file, or what only this host makes wrong.
 std::vector<Finding> findingsOfFile( const std::string &file )
 {
     std::vector<Finding> findings;
-    for ( const auto &diagnosis :
-          items( pb::adopt( csDiagnoseFile( pb::string( file ).get(), true ) ), csDiagnosisFrom ) )
-        findings.push_back( { "configuration", State::Bad, pb::utf8( pb::adopt( csDiagnosisToString( diagnosis.get() ) ) ),
-                              "see inctl check --online and in.json(5)" } );
+    for ( const std::string &error : diagnoses( file, false, false ) )
+        findings.push_back( { "configuration", State::Bad, error, "correct the file" } );
+    const std::vector<std::string> everywhere = diagnoses( file, false, true );
+    for ( const std::string &text : diagnoses( file, true, true ) )
+        if ( std::find( everywhere.begin(), everywhere.end(), text ) == everywhere.end() )
+            findings.push_back( { "configuration", State::Bad, text, "adapt the host, or the file to it" } );
     if ( findings.empty() )
         findings.push_back( { "configuration", State::Good, file + " fits this host", "" } );
     return findings;
