@@ -51,7 +51,7 @@ std::vector<std::string> nearestNames( std::string_view name, const std::vector<
         const std::string meant = lowerCase( candidate );
         const size_t errors = editDistance( typed, meant );
         const bool begun = typed.size() >= 2 && meant.starts_with( typed );
-        if ( begun || ( errors <= allowed && errors < std::max( typed.size(), meant.size() ) ) )
+        if ( begun || ( errors <= allowed && errors < std::min( typed.size(), meant.size() ) ) )
             near.emplace_back( begun ? std::min<size_t>( errors, 1 ) : errors, candidate );
     }
     std::sort( near.begin(), near.end() );

@@ -1,7 +1,8 @@
-# What the tests of inctl share. INCTL is the program, EXAMPLES the folder of example configurations.
+# What the tests of inctl share. INCTL is the program, EXAMPLES the folder of example configurations, MANUAL the
+# folder of manual pages.
 
 setup() {
-    : "${INCTL:?the program to test}" "${EXAMPLES:?the folder of examples}"
+    : "${INCTL:?the program to test}" "${EXAMPLES:?the folder of examples}" "${MANUAL:?the folder of manual pages}"
     export NO_COLOR=1 LC_ALL=C.UTF-8
     started="" host="" inside=()
 }
