@@ -40,12 +40,20 @@ load common
     done
     expect 2 'FILE:OBJECT' udp receive --from-stack "$EXAMPLES/sip.json"
     expect 2 'fax' udp send 127.0.0.1:9 text --qos fax
+    for other in '--trace-format json' --trace-packets; do
+        expect 2 "${other%% *} requires --trace" run "$EXAMPLES/tour.json" --for 0 $other
+    done
+    # Nobody to tell changes nothing about what is told.
+    for other in interfcaes ''; do
+        run bash -c '"$INCTL" $0 >/dev/full 2>&1' "$other"
+        [ "$status" -eq 2 ]
+    done
 }
 
 @test "help teaches: examples and exit codes" {
     expect 0 'inctl tour' --help
-    for command in interfaces dns-servers "udp send" "udp receive" run tour version; do
-        expect 0 '^  inctl '"$command" $command --help
+    for command in interfaces dns-servers "udp send" "udp receive" run tour check "explain x stack" doctor completion version; do
+        expect 0 '^  inctl '"${command% x *}" $command --help
         grep -q '4 not permitted' <<<"$output"
     done
 }
