@@ -25,17 +25,18 @@ PB_API pbInt csDiagnosisCompare( const struct csDiagnosis *a, const struct csDia
 PB_API pbBool csDiagnosisEquals( const struct csDiagnosis *a, const struct csDiagnosis *b );
 
 PB_API pbInt csDiagnosisSeverity( const struct csDiagnosis *diagnosis );
-// "file", "line", "column" (from 1, columns in code points), "severity" ("error" or "warning"), "record", "key" (the way
-// to it, such as "udpOptions.portRange"), "what", "expected", "nearest" (the known name that was probably meant). A text
-// that there is none of is left out.
+// "file", "line", "column" (from 1, columns in code points), "severity" ("error" or "warning"), "record", "key" (the
+// way to it, such as "udpOptions.portRange"), "what", "expected", "nearest" (the known name that was probably meant). A
+// text that there is none of is left out.
 PB_API struct pbStore *csDiagnosisStore( const struct csDiagnosis *diagnosis );
 
 // Everything to be said about a file, in its order, as a vector of struct csDiagnosis; nothing is started. The file is
-// what csConfigurationTryLoad accepts exactly when no error is among it. Warnings that depend on this host are given only
-// when online. Limits and needs are those of csConfigurationTryLoad; 1,000 errors and 1,000 warnings are told.
+// what csConfigurationTryLoad accepts exactly when no error is among it. Warnings that depend on this host are given
+// only when online. Limits and needs are those of csConfigurationTryLoad; 1,000 errors and 1,000 warnings are told.
 PB_API struct pbVector *csDiagnoseFile( const struct pbString *path, pbBool online );
 // The same from memory; name stands for the file.
-PB_API struct pbVector *csDiagnoseText( const void *bytes, pbInt byteCount, const struct pbString *name, pbBool online );
+PB_API struct pbVector *csDiagnoseText( const void *bytes, pbInt byteCount, const struct pbString *name,
+                                        pbBool online );
 
 PB_DECLS_END
 

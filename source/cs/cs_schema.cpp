@@ -121,7 +121,8 @@ Members valueSchema( const struct csKey &key )
             return { { "type", AnyText } };
         return { { "enum", texts( names ) } };
     case CS_KEY_FLAGS: return { { "type", quoted( "string" ) }, { "pattern", quoted( flagsPattern( names ) ) } };
-    case CS_KEY_STORE: return { { "allOf", array( { configSchema( subKeys( &key ), key.flags & CS_KEY_FLAG_WHOLE ) } ) } };
+    case CS_KEY_STORE:
+        return { { "allOf", array( { configSchema( subKeys( &key ), key.flags & CS_KEY_FLAG_WHOLE ) } ) } };
     case CS_KEY_ARRAY: {
         Members entries{ { "type", quoted( "array" ) } };
         if ( const Keys entry = subKeys( &key ); !entry.empty() )

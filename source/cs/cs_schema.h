@@ -11,8 +11,8 @@ struct pbString;
 struct pbVector;
 
 // A JSON schema (draft 2020-12) of configuration files, made of the tables of keys: it accepts what
-// csConfigurationTryLoad accepts, but for what a schema cannot see: comments, keys that stand twice, whether a number is
-// written as 5, 5.0 or 5e0 (only the first is an integer here), and relations between values.
+// csConfigurationTryLoad accepts, but for what a schema cannot see: comments, keys that stand twice, whether a number
+// is written as 5, 5.0 or 5e0 (only the first is an integer here), and relations between values.
 PB_API struct pbString *csSchema( void );
 
 // The names of the registered sorts as a vector of struct pbString, ascending.

@@ -65,7 +65,8 @@ Exit examine( Output &output, const std::string &file )
     Record checks;
     for ( const Finding &finding : findings ) {
         const std::string remedy = finding.remedy.empty() ? "" : "\n-> " + finding.remedy;
-        table.add( { Cell( finding.name, Paint::Strong ), stateCell( finding.state ), Cell( finding.detail + remedy ) } );
+        table.add(
+            { Cell( finding.name, Paint::Strong ), stateCell( finding.state ), Cell( finding.detail + remedy ) } );
         Record check;
         check.set( "name", finding.name )
             .set( "state", stateCell( finding.state ).text )
@@ -92,7 +93,8 @@ void addDoctor( CLI::App &root, Context &context )
                     "  inctl doctor --json | jq -r '.checks[] | select(.state == \"bad\").remedy'\n" );
     auto file = std::make_shared<std::string>();
     command->add_option( "FILE", *file, "A configuration that this host is to run" );
-    command->callback( [&context, file] { context.run = [&context, file] { return examine( context.output, *file ); }; } );
+    command->callback(
+        [&context, file] { context.run = [&context, file] { return examine( context.output, *file ); }; } );
 }
 
 } // namespace inctl

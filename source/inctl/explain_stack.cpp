@@ -69,7 +69,8 @@ void print( Output &output, const Store &choice )
     for ( const Store &candidate : candidates ) {
         const std::string told = verdict( candidate, *best );
         table.add( { Cell( text( candidate, "address" ) ), Cell( text( candidate, "interface" ) ),
-                     Cell( text( candidate, "class" ) ), Cell( told, told == "chosen" ? Paint::Good : Paint::Faint ) } );
+                     Cell( text( candidate, "class" ) ),
+                     Cell( told, told == "chosen" ? Paint::Good : Paint::Faint ) } );
     }
     table.print( output );
 }
