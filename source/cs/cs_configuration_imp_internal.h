@@ -57,7 +57,7 @@ struct csConfiguration final : pb::Object<struct csConfiguration, cs___sort_CS_C
     std::shared_ptr<const cs::Source> source PB_GUARDED_BY( monitor );
     pb::Ref<struct pbSignal> update PB_GUARDED_BY( monitor ) = pb::adopt( pbSignalCreate() );
 
-  private:
+private:
     void publish( cs::LiveRecords next, std::shared_ptr<const cs::Source> nextSource ) PB_REQUIRES( turn );
     void makeLive( const cs::LiveRecords &next, struct pbVector **optionalChanges ) PB_REQUIRES( turn );
 };

@@ -12,7 +12,7 @@ namespace cs {
 namespace {
 
 class ConfigurationParser {
-  public:
+public:
     explicit ConfigurationParser( Problems &problems ) : problems_( problems ) {}
 
     void parse( JsonValue &root )
@@ -38,7 +38,7 @@ class ConfigurationParser {
 
     ParsedConfiguration parsed{ {}, pb::adopt( pbStoreCreate() ) };
 
-  private:
+private:
     void parseModules( JsonValue &modules )
     {
         for ( JsonMember &module : modules.members ) {

@@ -29,7 +29,7 @@ bool isPlainInteger( std::u32string_view text )
 }
 
 class Writer {
-  public:
+public:
     explicit Writer( bool pretty ) : pretty_( pretty ) {}
 
     void writeStore( const struct pbStore *store, bool asArray, Keys keys )
@@ -59,7 +59,7 @@ class Writer {
                                                    static_cast<pbInt>( text_.size() ) ) );
     }
 
-  private:
+private:
     void writeMember( const struct pbStore *store, pbInt index, const struct csKey *optionalKey )
     {
         if ( const auto sub = pb::adopt( pbStoreStoreAt( store, index ) ) ) {

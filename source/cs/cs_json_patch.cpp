@@ -23,7 +23,7 @@ bool isBlank( char c )
 }
 
 class Patch {
-  public:
+public:
     explicit Patch( std::string_view text ) : text_( text ) {}
 
     void value( const JsonValue &written, const Store &wanted )
@@ -57,7 +57,7 @@ class Patch {
         return result + std::string( text_.substr( at ) );
     }
 
-  private:
+private:
     struct Edit {
         size_t begin, end;
         std::string text;

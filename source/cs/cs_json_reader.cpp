@@ -16,7 +16,7 @@ using nlohmann::json;
 
 // Walks the text and keeps its position outside, where the handler reads it while the parser owns the iterator.
 class CountingIterator {
-  public:
+public:
     using iterator_category = std::input_iterator_tag;
     using value_type = char;
     using difference_type = std::ptrdiff_t;
@@ -38,7 +38,7 @@ class CountingIterator {
     }
     bool operator==( const CountingIterator &other ) const { return at_ == other.at_; }
 
-  private:
+private:
     const char *at_;
     const char **position_;
 };
@@ -75,7 +75,7 @@ struct SyntaxError {
 };
 
 class Reader {
-  public:
+public:
     Reader( std::string_view bytes, JsonValue &root ) : bytes_( bytes ), position_( bytes.data() ), root_( root ) {}
 
     JsonError read()
@@ -123,7 +123,7 @@ class Reader {
         return false;
     }
 
-  private:
+private:
     struct Level {
         JsonValue *value; // stays where it is until its level is closed
         std::set<std::string> keys{};

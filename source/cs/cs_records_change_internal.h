@@ -20,7 +20,7 @@ void setVector( struct pbVector **optionalVector, const pb::Ref<struct pbVector>
 
 // Its functions call into sorts, without a monitor held, and belong in this order.
 class RecordsChange {
-  public:
+public:
     // Names stand once in each.
     RecordsChange( struct trStream *stream, LiveRecords before, const LiveRecords &next );
 
@@ -33,7 +33,7 @@ class RecordsChange {
     // What was done, as csConfigurationApply tells it.
     const pb::Ref<struct pbVector> &changes() const noexcept { return changes_; }
 
-  private:
+private:
     pb::Ref<struct csRecord> configured( const pb::Ref<struct csRecord> &before, const pb::Ref<struct csRecord> &next );
     pb::Ref<struct csRecord> created( const struct csRecord &next );
     void tell( const struct csRecord &record, const char *change );

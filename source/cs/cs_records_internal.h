@@ -21,7 +21,7 @@ class Watch;
 // One monitor for all names and watches: a leaf, under which signals are asserted and nothing is called. References
 // that become unused under it are dropped after it.
 class Records {
-  public:
+public:
     static Records &instance();
 
     // A configuration's record has the object from now on; watches of its name and sort have been signalled on return.
@@ -31,7 +31,7 @@ class Records {
     // Signals the watches that follow the value of the object.
     void valueChanged( const struct pbObj *obj );
 
-  private:
+private:
     friend class Watch;
     using Dropped = std::vector<pb::Ref<struct pbObj>>;
 
@@ -46,7 +46,7 @@ class Records {
 
 // What an observer follows: an object that is given, else the one behind a name.
 class Watch {
-  public:
+public:
     enum class Follows { Object, Value };
 
     Watch( const struct pbSort *sort, Follows follows ) : sort_( sort ), follows_( follows ) {}
@@ -64,7 +64,7 @@ class Watch {
     void addSignalable( struct pbSignalable *signalable );
     void delSignalable( struct pbSignalable *signalable );
 
-  private:
+private:
     friend class Records;
 
     void resolve( Records::Dropped &dropped ) PB_REQUIRES( Records::monitor );

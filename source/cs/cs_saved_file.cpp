@@ -27,7 +27,7 @@ std::string failure( const char *step, int error )
 // A write beyond RLIMIT_FSIZE fails with EFBIG and sends SIGXFSZ to its thread, which would end the process. Held back
 // and taken away again, unless the program had it pending already.
 class FileSizeSignalBlocked {
-  public:
+public:
     FileSizeSignalBlocked()
     {
         sigset_t pending;
@@ -47,13 +47,13 @@ class FileSizeSignalBlocked {
     FileSizeSignalBlocked( const FileSizeSignalBlocked & ) = delete;
     FileSizeSignalBlocked &operator=( const FileSizeSignalBlocked & ) = delete;
 
-  private:
+private:
     sigset_t signal_, before_;
     bool wasPending_;
 };
 
 class SavedFile {
-  public:
+public:
     Saved save( const std::string &path, std::string_view bytes )
     {
         const bool renamed = open( path ) && sweep() && create() && keepOwnerAndMode() && write( bytes ) && rename();
@@ -64,7 +64,7 @@ class SavedFile {
         return { renamed, problem_ };
     }
 
-  private:
+private:
     bool fail( const char *step )
     {
         problem_ = failure( step, errno );

@@ -57,7 +57,7 @@ struct UpdateStep {
 // Permission to call into a sort or a step or to ask a module for its information: while one exists, the withdrawal of
 // these waits. Ask the object for truth before calling.
 class Call {
-  public:
+public:
     explicit Call( const std::shared_ptr<Sort> &sort ) : Call( std::shared_ptr<Callee>( sort, &sort->callee ) ) {}
     explicit Call( const std::shared_ptr<UpdateStep> &step ) : Call( std::shared_ptr<Callee>( step, &step->callee ) ) {}
     explicit Call( std::shared_ptr<Module> module );
@@ -67,7 +67,7 @@ class Call {
 
     explicit operator bool() const noexcept { return calls_ != nullptr; }
 
-  private:
+private:
     explicit Call( std::shared_ptr<Callee> callee );
 
     std::shared_ptr<void> owner_;
@@ -77,7 +77,7 @@ class Call {
 // What is registered and by whom. One monitor for all: registration is rare and calls enter and leave it in passing.
 // It is never held over a call.
 class Registry {
-  public:
+public:
     static Registry &instance();
 
     void addSort( const std::shared_ptr<Sort> &sort );
@@ -96,7 +96,7 @@ class Registry {
     csSortWarningsFunc *warnings( const Sort &sort ); // or null
     std::vector<std::shared_ptr<Module>> modules();
 
-  private:
+private:
     friend class Call;
 
     void withdraw( Callee &callee ) PB_REQUIRES( monitor_ );

@@ -9,7 +9,7 @@
 namespace cs {
 
 class PB_CAPABILITY( "turn" ) Turn {
-  public:
+public:
     void take() PB_ACQUIRE() PB_NO_THREAD_SAFETY_ANALYSIS
     {
         pb::Guard guard( monitor_ );
@@ -25,7 +25,7 @@ class PB_CAPABILITY( "turn" ) Turn {
         given_.wakeOne();
     }
 
-  private:
+private:
     pb::Monitor monitor_;
     pb::Condition given_;
     std::thread::id owner_ PB_GUARDED_BY( monitor_ );
@@ -33,13 +33,13 @@ class PB_CAPABILITY( "turn" ) Turn {
 
 // Has the turn for a scope.
 class PB_SCOPED_CAPABILITY TurnTaken {
-  public:
+public:
     explicit TurnTaken( Turn &turn ) PB_ACQUIRE( turn ) : turn_( turn ) { turn_.take(); }
     ~TurnTaken() PB_RELEASE() { turn_.give(); }
     TurnTaken( const TurnTaken & ) = delete;
     TurnTaken &operator=( const TurnTaken & ) = delete;
 
-  private:
+private:
     Turn &turn_;
 };
 

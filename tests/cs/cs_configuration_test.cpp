@@ -1,5 +1,6 @@
 // Configuration files: what is refused, where and why; what is accepted; what is started.
 #include "cs/cs_configuration.h"
+#include "cs/tables.hpp"
 #include "cs/test_sort.hpp"
 #include "pb/pb_vector.h"
 
@@ -49,7 +50,10 @@ std::string record( const std::string &config )
 {
     return R"({ "objects": { "a": { "sort": "TEST_PHONE", "config": )" + config + " } } }";
 }
-std::vector<std::string> problemsOf( const std::string &config ) { return parse( record( config ) ).problems; }
+std::vector<std::string> problemsOf( const std::string &config )
+{
+    return parse( record( config ) ).problems;
+}
 std::string nested( int levels )
 {
     const auto count = static_cast<size_t>( levels );
@@ -72,22 +76,11 @@ void expectProblems( const std::vector<BadFile> &table )
     }
 }
 
-// "==== remark", the text, "----" and a line for each problem; again and again.
 std::vector<BadFile> badFiles()
 {
-    std::ifstream file( CS_TEST_DIRECTORY "/bad_configurations.txt" );
     std::vector<BadFile> table;
-    bool inText = false;
-    for ( std::string line; std::getline( file, line ); )
-        if ( line.starts_with( "====" ) ) {
-            table.emplace_back();
-            inText = true;
-        } else if ( line == "----" )
-            inText = false;
-        else if ( inText )
-            table.back().text += line + "\n";
-        else if ( !table.empty() )
-            table.back().problems.push_back( line );
+    for ( const auto &row : test::rowsOf( "bad_configurations.txt" ) )
+        table.push_back( { row.at( 1 ) + "\n", test::linesOf( row.at( 2 ) ) } );
     EXPECT_GT( table.size(), 10u );
     return table;
 }

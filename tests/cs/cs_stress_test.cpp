@@ -1,7 +1,6 @@
 // Threads that re-load, save, flip conditions, observe and read one configuration at the same time; the last state is
 // right. For ThreadSanitizer.
 #include "cs/cs_condition_observer.h"
-#include "cs/cs_record.h"
 #include "cs/live.hpp"
 
 #include <fstream>
@@ -62,23 +61,14 @@ TEST( CsStress, ReloadFlipObserveSave )
         }
     };
     const auto flip = [&] {
-        for ( int i = 0; i < 2'000; ++i )
+        for ( int i = 0; i < 2'000; ++i, (void)pb::adopt( csConfigurationRecords( configuration.get() ) ) )
             if ( const auto c = condition( configuration, "c" ) )
                 csConditionSetValue( c.get(), i % 2 );
-    };
-    const auto watch = [&] {
-        for ( int i = 0; i < 200; ++i ) {
-            const auto records = pb::adopt( csConfigurationRecords( configuration.get() ) );
-            for ( pbInt r = 0; r < pbVectorLength( records.get() ); ++r ) {
-                const auto record = pb::adopt( csRecordFrom( pbVectorObjAt( records.get(), r ) ) );
-                (void)pb::adopt( csRecordStatus( record.get() ) );
-            }
-        }
     };
     std::vector<std::thread> workers, observers;
     for ( int i = 0; i < 2; ++i )
         observers.emplace_back( observe );
-    for ( const std::function<void()> &work : std::vector<std::function<void()>>{ reload, reload, save, flip, watch } )
+    for ( const std::function<void()> &work : std::vector<std::function<void()>>{ reload, reload, save, flip } )
         workers.emplace_back( work );
     for ( auto &worker : workers )
         worker.join();

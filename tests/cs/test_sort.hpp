@@ -172,7 +172,7 @@ inline struct pbObj *tryCreate( struct pbStore *optionalStore, struct trAnchor *
 
 // The module TEST with the sort TEST_PHONE.
 class TestSort {
-  public:
+public:
     explicit TestSort( bool withKeys = true )
         : sort( pb::adopt( csSortBackendCreate(
               &test___sort_TEST_PHONE, tryCreate,
