@@ -2,11 +2,10 @@
 #include "in/nw/in_nw_options.h"
 
 #include "cs/cs_condition.h"
-#include "cs/cs_configuration.h"
 #include "in/base/in_address.h"
 #include "in/base/in_address_text.hpp"
 #include "in/base/in_network.h"
-#include "in/base/in_store_form.hpp"
+#include "in/base/in_store_form_vector.hpp"
 #include "in/nw/in_nw_options_internal.h"
 
 PB_SORT_DECLARE( in___sort_IN_NW_OPTIONS )
@@ -32,24 +31,6 @@ PB_OBJECT_DEFINE( inNwOptions, in___sort_IN_NW_OPTIONS )
 
 namespace {
 
-// Text that is a record name.
-struct RecordName : in::form::Text {
-    bool read( const struct pbStore *store, const char *key, pb::String &value ) const
-    {
-        pb::String stored;
-        if ( !in::form::Text::read( store, key, stored ) || !csObjectRecordNameOk( stored.get() ) )
-            return false;
-        value = stored;
-        return true;
-    }
-    csKey describe( csKey & ) const
-    {
-        return { .kind = CS_KEY_TEXT,
-                 .expected = "a record name: 1 to 255 letters, digits, \"_\", \"-\", \".\"",
-                 .recordSort = "CS_CONDITION" };
-    }
-};
-
 using in::form::Row;
 using in::form::Told;
 
@@ -57,7 +38,8 @@ constexpr auto form = std::tuple{
     Row{ "interfaceIdentifier", &inNwOptions::interfaceIdentifier,
          Told{ in::form::Text{}, "The name of the network interface to configure" }, in::form::whenPresent },
     Row{ "csConditionName", &inNwOptions::csConditionName,
-         Told{ RecordName{}, "The condition that must be true; while it is not the interface is let go" },
+         Told{ in::form::RecordName{ "CS_CONDITION" },
+               "The condition that must be true; while it is not the interface is let go" },
          in::form::whenPresent },
     Row{ "status", &inNwOptions::status,
          Told{ in::form::Boolean{}, "Brings the interface up, and down again when it is let go" }, in::form::always },

@@ -1,0 +1,61 @@
+// The marks of the threads that read what is published.
+#include "in/base/in_published.hpp"
+
+#include <chrono>
+#include <thread>
+
+namespace in {
+namespace {
+
+// All marks there ever were. A mark that its thread has left is taken by a later thread; none is freed, so that the list
+// can be walked at any time.
+constinit std::atomic<ReadMark *> marks{ nullptr };
+
+ReadMark *take()
+{
+    for ( ReadMark *mark = marks.load( std::memory_order_acquire ); mark; mark = mark->next )
+        if ( !mark->owned.load( std::memory_order_relaxed ) && !mark->owned.exchange( true, std::memory_order_acquire ) )
+            return mark;
+    auto *mark = new ReadMark;
+    mark->next = marks.load( std::memory_order_relaxed );
+    while ( !marks.compare_exchange_weak( mark->next, mark, std::memory_order_seq_cst ) ) {}
+    return mark;
+}
+
+} // namespace
+
+// Gives the mark of a thread back at its end.
+class ReadMarkOwner {
+public:
+    void own() { owns_ = true; }
+    ~ReadMarkOwner()
+    {
+        if ( ReadMark *const mark = std::exchange( ReadMark::current, nullptr ) )
+            mark->owned.store( false, std::memory_order_release );
+    }
+
+private:
+    bool owns_ = false;
+};
+
+constinit thread_local ReadMark *ReadMark::current = nullptr;
+
+// A thread that reads after the end of its owner, in the destructor of another such variable, keeps its mark for good.
+ReadMark &ReadMark::create()
+{
+    thread_local ReadMarkOwner owner;
+    owner.own();
+    current = take();
+    return *current;
+}
+
+void ReadMark::waitUntilUnread( const void *object )
+{
+    using namespace std::chrono_literals;
+    for ( ReadMark *mark = marks.load( std::memory_order_seq_cst ); mark; mark = mark->next )
+        for ( int tries = 0; mark->object.load( std::memory_order_seq_cst ) == object; ++tries )
+            if ( tries >= 100 ) // the reader was interrupted, perhaps by this thread: yielding might not let it go on
+                std::this_thread::sleep_for( 50us );
+}
+
+} // namespace in

@@ -1,0 +1,95 @@
+// Published: an immutable object that one thread at a time replaces and any number of threads read. Readers take no lock,
+// write nothing that they share and never wait; who has replaced the object waits until the last of them has left it.
+// In-tree only.
+//
+// Each thread has a mark of its own, in which it says what it reads (a hazard pointer). The mark is set before it is
+// seen that the object is still the current one; who has replaced it looks at the marks afterwards. Both in one total
+// order, so that either the reader sees the new object or its mark is seen.
+#ifndef IN_PUBLISHED_HPP
+#define IN_PUBLISHED_HPP
+
+#include <atomic>
+#include <memory>
+#include <utility>
+
+namespace in {
+
+struct alignas( 64 ) ReadMark { // of its own cache line: only its thread writes it
+    std::atomic<const void *> object{ nullptr };
+    std::atomic<bool> owned{ true };
+    ReadMark *next = nullptr;
+
+    // The calling thread's, for as long as it lives.
+    static ReadMark &ofThread()
+    {
+        ReadMark *mark = current;
+        return mark ? *mark : create();
+    }
+    // Blocks until no thread reads the object, which none can begin any more.
+    static void waitUntilUnread( const void *object );
+
+private:
+    friend class ReadMarkOwner;
+    static ReadMark &create();
+    // Initial-exec reaches it without a call.
+    __attribute__( ( tls_model( "initial-exec" ) ) ) static constinit thread_local ReadMark *current;
+};
+
+template <class T> class Published {
+public:
+    // What was replaced. Its end waits for its readers, who are about to leave.
+    class Replaced {
+    public:
+        Replaced() = default;
+        explicit Replaced( const T *object ) : object_( object ) {}
+        Replaced( Replaced &&other ) noexcept : object_( std::exchange( other.object_, nullptr ) ) {}
+        Replaced &operator=( Replaced &&other ) noexcept
+        {
+            std::swap( object_, other.object_ );
+            return *this;
+        }
+        ~Replaced()
+        {
+            if ( !object_ )
+                return;
+            ReadMark::waitUntilUnread( object_ );
+            delete object_;
+        }
+
+    private:
+        const T *object_ = nullptr;
+    };
+
+    explicit Published( std::unique_ptr<const T> first ) : current_( first.release() ) {}
+    Published( const Published & ) = delete;
+    Published &operator=( const Published & ) = delete;
+    ~Published() { delete current_.load( std::memory_order_relaxed ); } // nobody reads any more
+
+    // The work gets the current object for as long as it runs. It neither blocks nor reads anything published itself.
+    template <class Work> auto read( Work work ) const
+    {
+        ReadMark &mark = ReadMark::ofThread();
+        const T *object = current_.load( std::memory_order_relaxed );
+        for ( ;; ) {
+            mark.object.store( object, std::memory_order_seq_cst );
+            const T *const now = current_.load( std::memory_order_seq_cst );
+            if ( now == object )
+                break;
+            object = now;
+        }
+        const auto result = work( *object );
+        mark.object.store( nullptr, std::memory_order_release );
+        return result;
+    }
+    [[nodiscard]] Replaced replace( std::unique_ptr<const T> next )
+    {
+        return Replaced( current_.exchange( next.release(), std::memory_order_seq_cst ) );
+    }
+
+private:
+    std::atomic<const T *> current_; // never null
+};
+
+} // namespace in
+
+#endif
