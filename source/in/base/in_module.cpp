@@ -8,6 +8,7 @@
 #include "in/base/in_stack_imp_internal.h"
 #include "in/base/in_stack_internal.h"
 #include "in/csupdate/in_csupdate_internal.h"
+#include "in/imp/in_imp_dns_internal.h"
 #include "in/imp/in_imp_qos_internal.h"
 #include "in/imp/in_imp_udp_internal.h"
 #include "in/nw/in_nw_address_type_internal.h"
@@ -68,6 +69,7 @@ pbBool in___ModuleStartup( void )
     in___AddressVersionStartup();
     in___FlagsStartup();
     in___StackCsStartup();
+    in___ImpDnsStartup();
     in___ImpQosStartup();
     in___ImpUdpStartup();
     in___ImpUdpChannelStartup();
@@ -128,6 +130,7 @@ void in___ModuleShutdownWait( void )
     in___ImpUdpChannelShutdown();
     in___ImpUdpShutdown();
     in___ImpQosShutdown();
+    in___ImpDnsShutdown();
     in___FlagsShutdown();
     in___AddressVersionShutdown();
 }

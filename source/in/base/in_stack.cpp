@@ -43,6 +43,12 @@ struct inAddress *inStackAddress( const struct inStack *stack )
     return address;
 }
 
+pbBool in___StackAddressIs( const struct inStack *stack, const struct inAddress *address )
+{
+    PB_ASSERT( stack );
+    return in___StackImpAddressIs( stack->imp.get(), address );
+}
+
 pbBool inStackHasAddress( const struct inStack *stack )
 {
     return PB_BOOL_FROM( pb::adopt( inStackAddress( stack ) ) );
@@ -125,4 +131,25 @@ pbBool in___StackTcpIsBlacklisted( const struct inStack *stack, const struct inT
     PB_ASSERT( stack );
     PB_ASSERT( address );
     return in___StackImpTcpIsBlacklisted( stack->imp.get(), address );
+}
+
+struct in___DnsQueryAddressesImp *in___StackDnsQueryAddresses( struct inStack *stack, const struct pbString *domainName,
+                                                               struct trAnchor *optionalAnchor )
+{
+    PB_ASSERT( stack );
+    return in___StackImpDnsQueryAddresses( stack->imp.get(), domainName, optionalAnchor );
+}
+
+struct in___DnsQueryDomainNamesImp *
+in___StackDnsQueryDomainNames( struct inStack *stack, const struct inAddress *address, struct trAnchor *optionalAnchor )
+{
+    PB_ASSERT( stack );
+    return in___StackImpDnsQueryDomainNames( stack->imp.get(), address, optionalAnchor );
+}
+
+struct in___DnsQuerySrvImp *in___StackDnsQuerySrv( struct inStack *stack, const struct pbString *service,
+                                                   struct trAnchor *optionalAnchor )
+{
+    PB_ASSERT( stack );
+    return in___StackImpDnsQuerySrv( stack->imp.get(), service, optionalAnchor );
 }

@@ -1,11 +1,13 @@
-// in___StackImp: following the host's interfaces for a stack, and the stack's list of TCP peers to avoid.
+// in___StackImp: following the host's interfaces for a stack, its DNS queries, and its list of TCP peers to avoid.
 #include "in/base/in_stack_imp_internal.h"
 
 #include "cs/cs_status_reporter.h"
 #include "in/base/in_address.h"
 #include "in/base/in_halt_mark.hpp"
 #include "in/base/in_options.h"
+#include "in/base/in_published_address.hpp"
 #include "in/base/in_stack_decisions.hpp"
+#include "in/base/in_stack_dns.hpp"
 #include "in/nw/in_nw_interface.h"
 #include "in/nw/in_nw_util_internal.h"
 #include "in/tcp/in_tcp_address.h"
@@ -21,6 +23,7 @@
 #include "tr/tr.hpp"
 
 #include <algorithm>
+#include <tuple>
 
 PB_SORT_DECLARE( in___sort_IN___STACK_IMP )
 
@@ -33,12 +36,23 @@ struct Binding {
     pb::Ref<struct pbVector> interfaces = pb::adopt( pbVectorCreate() );
 };
 
+// The DNS queries of all kinds.
+using DnsTables =
+    std::tuple<in::DnsQueries<in::DnsAddresses>, in::DnsQueries<in::DnsDomainNames>, in::DnsQueries<in::DnsSrv>>;
 // What a run of the process has found changed.
 struct Changes {
     bool address = false;
     bool interfaces = false; // the primary one or the set
     bool up = false;
+    // Whether a kind of DNS query is disabled.
+    bool disableAddresses = false, disableDomainNames = false, disableSrv = false;
 };
+
+// As of the options given, which are the stack's.
+template <class Kind> bool isDisabled( const struct inOptions *options )
+{
+    return Kind::disabled( pb::adopt( inOptionsDnsOptions( options ) ).get() );
+}
 
 } // namespace
 
@@ -58,6 +72,8 @@ struct in___StackImp final : pb::Object<struct in___StackImp, in___sort_IN___STA
     const pb::Ref<struct pbSignalable> signalable;
     const pb::Ref<struct pbTimer> timer;
 
+    in::PublishedAddress publishedAddress; // the binding's, for who compares it with every packet's
+
     mutable pb::Monitor monitor{ 20 };
     // Guarded by the monitor.
     pb::Ref<struct pbSignal> update PB_GUARDED_BY( monitor ) = pb::adopt( pbSignalCreate() );
@@ -66,18 +82,24 @@ struct in___StackImp final : pb::Object<struct in___StackImp, in___sort_IN___STA
     bool up PB_GUARDED_BY( monitor ) = false;
     in::TcpBlacklist blacklist PB_GUARDED_BY( monitor );
 
-private:
+    // The query for the key: one that runs or whose answer is known, else a new one.
+    template <class Kind> typename Kind::Imp *query( const typename Kind::Key *key, struct trAnchor *optionalAnchor );
+
+  private:
     // The steps of a run.
-    void applyOptions() PB_REQUIRES( monitor );
+    void applyOptions( Changes &changes ) PB_REQUIRES( monitor );
     Binding findBinding() PB_REQUIRES( monitor );
+    void flushQueries( const Changes &changes, in::DnsDropped &dropped ) PB_REQUIRES( monitor );
     void publishAddress( const Binding &found ) PB_REQUIRES( monitor );
     void publishInterfaces( const Binding &found ) PB_REQUIRES( monitor );
     bool publishUp() PB_REQUIRES( monitor );
     // The update signal that is over, to be dropped after the monitor.
     [[nodiscard]] pb::Ref<struct pbSignal> assertUpdate() PB_REQUIRES( monitor );
-    void scheduleTimer( std::optional<pbInt> expiry, pbInt now ) PB_REQUIRES( monitor );
+    void keepAnswers( pbInt now, in::DnsDropped &dropped ) PB_REQUIRES( monitor );
+    void scheduleTimer( pbInt now ) PB_REQUIRES( monitor );
 
     pb::Ref<struct inOptions> optionsInEffect_ PB_GUARDED_BY( monitor );
+    DnsTables queries_ PB_GUARDED_BY( monitor );
     pb::Ref<struct trStream> interfacesTrace_ PB_GUARDED_BY( monitor );
 };
 
@@ -105,16 +127,18 @@ void in___StackImp::run()
 {
     pb::Ref<struct pbSignal> over;
     Binding before; // keeps the interfaces that are no longer used until the monitor has been left
+    in::DnsDropped dropped;
     pb::Guard guard( monitor );
     before = binding;
     const pbInt now = pbTimestamp();
     Changes changes;
 
-    applyOptions();
+    applyOptions( changes );
     const Binding found = findBinding();
     changes.address = found.address != binding.address;
     // Interfaces compare by identity.
     changes.interfaces = found.primaryInterface != binding.primaryInterface || found.interfaces != binding.interfaces;
+    flushQueries( changes, dropped );
     if ( changes.address )
         publishAddress( found );
     if ( changes.interfaces )
@@ -123,14 +147,21 @@ void in___StackImp::run()
     if ( changes.address || changes.interfaces || changes.up )
         over = assertUpdate();
     blacklist.expire( now );
-    scheduleTimer( blacklist.earliestExpiry(), now );
+    keepAnswers( now, dropped );
+    scheduleTimer( now );
 }
 
 // Equal options that are another object are taken over as well: the trace then shows what was configured.
-void in___StackImp::applyOptions()
+void in___StackImp::applyOptions( Changes &changes )
 {
     if ( options.is( optionsInEffect_ ) )
         return;
+    if ( const struct inOptions *before = optionsInEffect_.get() ) {
+        const struct inOptions *now = options.get();
+        changes.disableAddresses = isDisabled<in::DnsAddresses>( before ) != isDisabled<in::DnsAddresses>( now );
+        changes.disableDomainNames = isDisabled<in::DnsDomainNames>( before ) != isDisabled<in::DnsDomainNames>( now );
+        changes.disableSrv = isDisabled<in::DnsSrv>( before ) != isDisabled<in::DnsSrv>( now );
+    }
     optionsInEffect_ = options;
     trStreamSetConfiguration( trace.get(), pb::adopt( inOptionsStore( optionsInEffect_.get(), false ) ).get() );
 }
@@ -145,9 +176,22 @@ Binding in___StackImp::findBinding()
     return found;
 }
 
+// Answers may differ for another address, and so they are asked for anew.
+void in___StackImp::flushQueries( const Changes &changes, in::DnsDropped &dropped )
+{
+    auto &[addresses, domainNames, srv] = queries_;
+    if ( changes.address || changes.disableAddresses )
+        addresses.flush( dropped );
+    if ( changes.address || changes.disableDomainNames )
+        domainNames.flush( dropped );
+    if ( changes.address || changes.disableSrv )
+        srv.flush( dropped );
+}
+
 void in___StackImp::publishAddress( const Binding &found )
 {
     binding.address = found.address;
+    publishedAddress.set( found.address.get() );
     if ( const auto &address = binding.address )
         csStatusReporterSetItemCstr( status.get(), "inStackAddress", -1,
                                      pb::adopt( inAddressToString( address.get() ) ).get() );
@@ -191,12 +235,53 @@ pb::Ref<struct pbSignal> in___StackImp::assertUpdate()
     return std::exchange( update, pb::adopt( pbSignalCreate() ) );
 }
 
-void in___StackImp::scheduleTimer( std::optional<pbInt> expiry, pbInt now )
+void in___StackImp::keepAnswers( pbInt now, in::DnsDropped &dropped )
 {
-    if ( expiry )
-        pbTimerSchedule( timer.get(), std::max( *expiry - now, PB_INT_FROM( 0 ) ) );
+    const auto dnsOptions = pb::adopt( inOptionsDnsOptions( optionsInEffect_.get() ) );
+    const auto keep = [&]( auto &table ) {
+        table.collectEnded( now, dnsOptions.get() );
+        table.expire( now, dropped );
+    };
+    std::apply( [&]( auto &...tables ) { ( keep( tables ), ... ); }, queries_ );
+}
+
+void in___StackImp::scheduleTimer( pbInt now )
+{
+    std::optional<pbInt> earliest = blacklist.earliestExpiry();
+    const auto consider = [&]( std::optional<pbInt> expiry ) {
+        if ( expiry && ( !earliest || *expiry < *earliest ) )
+            earliest = expiry;
+    };
+    std::apply( [&]( const auto &...tables ) { ( consider( tables.earliestExpiry() ), ... ); }, queries_ );
+    if ( earliest )
+        pbTimerSchedule( timer.get(), std::max( *earliest - now, PB_INT_FROM( 0 ) ) );
     else
         pbTimerUnschedule( timer.get() );
+}
+
+template <class Kind>
+typename Kind::Imp *in___StackImp::query( const typename Kind::Key *key, struct trAnchor *optionalAnchor )
+{
+    pb::Ref<typename Kind::Imp> imp;
+    {
+        pb::Guard guard( monitor );
+        auto &table = std::get<in::DnsQueries<Kind>>( queries_ );
+        imp = table.find( key );
+        if ( imp ) {
+            if ( optionalAnchor )
+                Kind::traceCompleteAnchor( imp.get(), optionalAnchor );
+            return imp.release();
+        }
+        imp = pb::adopt( Kind::create( key, optionalAnchor ) );
+        table.add( key, imp, signalable.get() );
+        if ( isDisabled<Kind>( optionsInEffect_.get() ) ) {
+            Kind::errorSet( imp.get() );
+            return imp.release();
+        }
+    }
+    // The process may flush the query before the resolver has it; what the resolver finds is then ignored.
+    Kind::resolve( imp.get() );
+    return imp.release();
 }
 
 void in___StackImp::halt()
@@ -258,6 +343,13 @@ void in___StackImpConfiguration( const struct in___StackImp *imp, struct inOptio
         *optionalUp = imp->up;
 }
 
+pbBool in___StackImpAddressIs( const struct in___StackImp *imp, const struct inAddress *address )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( address );
+    return imp->publishedAddress.equals( *address );
+}
+
 void in___StackImpUpdateAddSignalable( struct in___StackImp *imp, struct pbSignalable *signalable )
 {
     PB_ASSERT( imp );
@@ -307,4 +399,30 @@ pbBool in___StackImpTcpIsBlacklisted( const struct in___StackImp *imp, const str
     PB_ASSERT( address );
     pb::Guard guard( imp->monitor );
     return imp->blacklist.contains( address );
+}
+
+struct in___DnsQueryAddressesImp *in___StackImpDnsQueryAddresses( struct in___StackImp *imp,
+                                                                  const struct pbString *domainName,
+                                                                  struct trAnchor *optionalAnchor )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( domainName );
+    return imp->query<in::DnsAddresses>( domainName, optionalAnchor );
+}
+
+struct in___DnsQueryDomainNamesImp *in___StackImpDnsQueryDomainNames( struct in___StackImp *imp,
+                                                                      const struct inAddress *address,
+                                                                      struct trAnchor *optionalAnchor )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( address );
+    return imp->query<in::DnsDomainNames>( address, optionalAnchor );
+}
+
+struct in___DnsQuerySrvImp *in___StackImpDnsQuerySrv( struct in___StackImp *imp, const struct pbString *service,
+                                                      struct trAnchor *optionalAnchor )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( service );
+    return imp->query<in::DnsSrv>( service, optionalAnchor );
 }

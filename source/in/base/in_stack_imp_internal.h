@@ -9,6 +9,9 @@
 PB_DECLS_BEGIN
 
 struct csStatusReporter;
+struct in___DnsQueryAddressesImp;
+struct in___DnsQueryDomainNamesImp;
+struct in___DnsQuerySrvImp;
 struct in___StackImp;
 struct inAddress;
 struct inNwInterface;
@@ -42,12 +45,21 @@ void in___StackImpSetOptions( struct in___StackImp *imp, const struct inOptions 
 void in___StackImpConfiguration( const struct in___StackImp *imp, struct inOptions **optionalOptions,
                                  struct inAddress **optionalAddress, struct inNwInterface **optionalPrimaryInterface,
                                  struct pbVector **optionalInterfaces, pbBool *optionalUp );
+pbBool in___StackImpAddressIs( const struct in___StackImp *imp, const struct inAddress *address );
 void in___StackImpUpdateAddSignalable( struct in___StackImp *imp, struct pbSignalable *signalable );
 void in___StackImpUpdateDelSignalable( struct in___StackImp *imp, struct pbSignalable *signalable );
 struct csStatusReporter *in___StackImpCsStatus( const struct in___StackImp *imp );
 void in___StackImpTraceCompleteAnchor( struct in___StackImp *imp, struct trAnchor *anchor );
 void in___StackImpTcpBlacklist( struct in___StackImp *imp, const struct inTcpAddress *address );
 pbBool in___StackImpTcpIsBlacklisted( const struct in___StackImp *imp, const struct inTcpAddress *address );
+struct in___DnsQueryAddressesImp *in___StackImpDnsQueryAddresses( struct in___StackImp *imp,
+                                                                  const struct pbString *domainName,
+                                                                  struct trAnchor *optionalAnchor );
+struct in___DnsQueryDomainNamesImp *in___StackImpDnsQueryDomainNames( struct in___StackImp *imp,
+                                                                      const struct inAddress *address,
+                                                                      struct trAnchor *optionalAnchor );
+struct in___DnsQuerySrvImp *in___StackImpDnsQuerySrv( struct in___StackImp *imp, const struct pbString *service,
+                                                      struct trAnchor *optionalAnchor );
 
 PB_DECLS_END
 

@@ -1,0 +1,149 @@
+// The DNS queries of one kind on a stack: who asks what is already asked or known shares the query, until the answer
+// expires or is flushed. Guarded by the stack's monitor. In-tree only.
+#ifndef IN_STACK_DNS_HPP
+#define IN_STACK_DNS_HPP
+
+#include "in/base/in_address.h"
+#include "in/dns/in_dns_options.h"
+#include "in/dns/in_dns_query_addresses_imp_internal.h"
+#include "in/dns/in_dns_query_domain_names_imp_internal.h"
+#include "in/dns/in_dns_query_srv_imp_internal.h"
+#include "in/imp/in_imp_dns_internal.h"
+#include "pb/pb_dict.h"
+#include "pb/pb_string.hpp"
+
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace in {
+
+// The kinds: what each does its own way.
+struct DnsAddresses {
+    using Key = struct pbString;
+    using Imp = struct in___DnsQueryAddressesImp;
+    static constexpr auto disabled = inDnsOptionsDisableQueryAddresses;
+    static constexpr auto keyObj = pbStringObj;
+    static constexpr auto key = in___DnsQueryAddressesImpDomainName;
+    static constexpr auto obj = in___DnsQueryAddressesImpObj;
+    static constexpr auto from = in___DnsQueryAddressesImpFrom;
+    static constexpr auto create = in___DnsQueryAddressesImpCreate;
+    static constexpr auto end = in___DnsQueryAddressesImpEnd;
+    static constexpr auto error = in___DnsQueryAddressesImpError;
+    static constexpr auto errorSet = in___DnsQueryAddressesImpErrorSet;
+    static constexpr auto endAddSignalable = in___DnsQueryAddressesImpEndAddSignalable;
+    static constexpr auto traceCompleteAnchor = in___DnsQueryAddressesImpTraceCompleteAnchor;
+    static constexpr auto resolve = in___ImpDnsQueryAddresses;
+};
+
+struct DnsDomainNames {
+    using Key = struct inAddress;
+    using Imp = struct in___DnsQueryDomainNamesImp;
+    static constexpr auto disabled = inDnsOptionsDisableQueryDomainNames;
+    static constexpr auto keyObj = inAddressObj;
+    static constexpr auto key = in___DnsQueryDomainNamesImpAddress;
+    static constexpr auto obj = in___DnsQueryDomainNamesImpObj;
+    static constexpr auto from = in___DnsQueryDomainNamesImpFrom;
+    static constexpr auto create = in___DnsQueryDomainNamesImpCreate;
+    static constexpr auto end = in___DnsQueryDomainNamesImpEnd;
+    static constexpr auto error = in___DnsQueryDomainNamesImpError;
+    static constexpr auto errorSet = in___DnsQueryDomainNamesImpErrorSet;
+    static constexpr auto endAddSignalable = in___DnsQueryDomainNamesImpEndAddSignalable;
+    static constexpr auto traceCompleteAnchor = in___DnsQueryDomainNamesImpTraceCompleteAnchor;
+    static constexpr auto resolve = in___ImpDnsQueryDomainNames;
+};
+
+struct DnsSrv {
+    using Key = struct pbString;
+    using Imp = struct in___DnsQuerySrvImp;
+    static constexpr auto disabled = inDnsOptionsDisableQuerySrv;
+    static constexpr auto keyObj = pbStringObj;
+    static constexpr auto key = in___DnsQuerySrvImpService;
+    static constexpr auto obj = in___DnsQuerySrvImpObj;
+    static constexpr auto from = in___DnsQuerySrvImpFrom;
+    static constexpr auto create = in___DnsQuerySrvImpCreate;
+    static constexpr auto end = in___DnsQuerySrvImpEnd;
+    static constexpr auto error = in___DnsQuerySrvImpError;
+    static constexpr auto errorSet = in___DnsQuerySrvImpErrorSet;
+    static constexpr auto endAddSignalable = in___DnsQuerySrvImpEndAddSignalable;
+    static constexpr auto traceCompleteAnchor = in___DnsQuerySrvImpTraceCompleteAnchor;
+    static constexpr auto resolve = in___ImpDnsQuerySrv;
+};
+
+// Queries that were taken out of a table. Their last references may end objects of the host, so they are dropped when
+// the monitor has been left.
+using DnsDropped = std::vector<pb::Ref<struct pbObj>>;
+
+template <class Kind> class DnsQueries {
+  public:
+    using Key = typename Kind::Key;
+    using Imp = pb::Ref<typename Kind::Imp>;
+
+    // The query for the key, running or known; null when there is none.
+    Imp find( const Key *key ) const
+    {
+        return pb::adopt( Kind::from( pbDictObjKey( byKey_.get(), Kind::keyObj( key ) ) ) );
+    }
+    // The signalable then hears of the query's end.
+    void add( const Key *key, const Imp &imp, struct pbSignalable *signalable )
+    {
+        Kind::endAddSignalable( imp.get(), signalable );
+        pbDictSetObjKey( byKey_.address(), Kind::keyObj( key ), Kind::obj( imp.get() ) );
+        running_.push_back( imp );
+    }
+
+    // Fails what runs and forgets what is known.
+    void flush( DnsDropped &dropped )
+    {
+        for ( Imp &imp : running_ ) {
+            Kind::errorSet( imp.get() );
+            drop( imp, dropped );
+        }
+        for ( auto &[expiry, imp] : known_ )
+            drop( imp, dropped );
+        running_.clear();
+        known_.clear();
+        byKey_ = pb::adopt( pbDictCreate() );
+    }
+
+    // What has ended since the last call is known from now on, for the time that the options give it.
+    void collectEnded( pbInt now, const struct inDnsOptions *options )
+    {
+        std::erase_if( running_, [&]( Imp &imp ) {
+            if ( !Kind::end( imp.get() ) )
+                return false;
+            const pbInt timeout = Kind::error( imp.get() ) ? inDnsOptionsNegativeCacheTimeout( options )
+                                                           : inDnsOptionsCacheTimeout( options );
+            known_.emplace( pbIntAddSaturating( now, timeout ), std::move( imp ) );
+            return true;
+        } );
+    }
+
+    // Forgets what expires at or before now, so that the next who asks starts a new query.
+    void expire( pbInt now, DnsDropped &dropped )
+    {
+        const auto kept = known_.upper_bound( now );
+        for ( auto known = known_.begin(); known != kept; ++known ) {
+            const auto key = pb::adopt( Kind::key( known->second.get() ) );
+            pbDictDelObjKey( byKey_.address(), Kind::keyObj( key.get() ) );
+            drop( known->second, dropped );
+        }
+        known_.erase( known_.begin(), kept );
+    }
+
+    std::optional<pbInt> earliestExpiry() const
+    {
+        return known_.empty() ? std::nullopt : std::optional( known_.begin()->first );
+    }
+
+  private:
+    static void drop( Imp &imp, DnsDropped &dropped ) { dropped.push_back( pb::adopt( Kind::obj( imp.release() ) ) ); }
+
+    pb::Ref<struct pbDict> byKey_ = pb::adopt( pbDictCreate() );
+    std::vector<Imp> running_;        // in the order in which they were asked
+    std::multimap<pbInt, Imp> known_; // by expiry
+};
+
+} // namespace in
+
+#endif

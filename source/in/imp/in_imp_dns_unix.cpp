@@ -1,0 +1,210 @@
+// Work items: which look-up runs when. A process domain runs them, since the system's resolver blocks.
+#include "in/dns/in_dns_query_addresses_imp_internal.h"
+#include "in/dns/in_dns_query_domain_names_imp_internal.h"
+#include "in/dns/in_dns_query_srv_imp_internal.h"
+#include "in/imp/in_imp_dns_unix_internal.h"
+#include "pb/pb_global.hpp"
+#include "pb/pb_monitor.hpp"
+#include "pr/pr_domain.h"
+#include "pr/pr_process.h"
+
+#include <deque>
+#include <unordered_map>
+#include <variant>
+
+PB_SORT_DECLARE( in___sort_IN___IMP_DNS_WORK_ITEM )
+PB_SORT_DECLARE( in___sort_IN___IMP_DNS_QUEUE )
+
+namespace {
+
+constexpr pbInt threads = 4;
+constexpr pbInt threadPriority = 3;
+constexpr pbInt itemPriority = 1;
+
+using Addresses = pb::Ref<struct in___DnsQueryAddressesImp>;
+using DomainNames = pb::Ref<struct in___DnsQueryDomainNamesImp>;
+using Srv = pb::Ref<struct in___DnsQuerySrvImp>;
+using Query = std::variant<Addresses, DomainNames, Srv>;
+
+void lookUp( const Query &query )
+{
+    if ( const auto *addresses = std::get_if<Addresses>( &query ) )
+        in___ImpDnsDoQueryAddresses( addresses->get() );
+    else if ( const auto *domainNames = std::get_if<DomainNames>( &query ) )
+        in___ImpDnsDoQueryDomainNames( domainNames->get() );
+    else
+        in___ImpDnsDoQuerySrv( std::get<Srv>( query ).get() );
+}
+
+void fail( const Query &query )
+{
+    if ( const auto *addresses = std::get_if<Addresses>( &query ) )
+        in___DnsQueryAddressesImpErrorSet( addresses->get() );
+    else if ( const auto *domainNames = std::get_if<DomainNames>( &query ) )
+        in___DnsQueryDomainNamesImpErrorSet( domainNames->get() );
+    else
+        in___DnsQuerySrvImpErrorSet( std::get<Srv>( query ).get() );
+}
+
+struct in___ImpDnsWorkItem;
+using Item = pb::Ref<in___ImpDnsWorkItem>;
+
+// The items that no thread has taken up. The resolver behind res_send takes one question at a time, so service queries
+// take turns: each is scheduled when the one before is done, and no thread is kept waiting for its turn.
+struct Queue final : pb::Object<Queue, in___sort_IN___IMP_DNS_QUEUE> {
+    void submit( Item item );
+    // On a thread of the domain.
+    void run( in___ImpDnsWorkItem &item );
+    // Fails what no thread has taken up, and from now on whatever comes.
+    void close();
+
+  private:
+    void passSrvTurn();
+
+    pb::Monitor monitor_;
+    std::unordered_map<const in___ImpDnsWorkItem *, Item> waiting_ PB_GUARDED_BY( monitor_ );
+    std::deque<Item> srvTurns_ PB_GUARDED_BY( monitor_ ); // those that are not even scheduled
+    bool srvRuns_ PB_GUARDED_BY( monitor_ ) = false;
+    bool closed_ PB_GUARDED_BY( monitor_ ) = false;
+};
+
+constinit pb::Global<struct prDomain> in___ImpDnsPrDomain;
+constinit pb::Global<Queue> in___ImpDnsQueue;
+
+void in___ImpDnsWorkItemProcessFunc( struct pbObj *argument );
+
+// One look-up. Holds what it uses, so that it may still run when the globals are gone.
+struct in___ImpDnsWorkItem final : pb::Object<in___ImpDnsWorkItem, in___sort_IN___IMP_DNS_WORK_ITEM> {
+    const Query query;
+    const pb::Ref<Queue> queue = pb::share( in___ImpDnsQueue.get() );
+    const pb::Ref<struct prProcess> process; // which holds the item until it is halted
+
+    explicit in___ImpDnsWorkItem( Query asked )
+        : query( std::move( asked ) ),
+          process( pb::adopt( prProcessCreateInDomainCstr( in___ImpDnsPrDomain.get(), itemPriority,
+                                                           in___ImpDnsWorkItemProcessFunc, this, "in___ImpDnsWorkItem",
+                                                           -1 ) ) )
+    {
+    }
+    void schedule() const { prProcessSchedule( process.get() ); }
+    void halt() const { prProcessHalt( process.get() ); }
+    bool isSrv() const { return std::holds_alternative<Srv>( query ); }
+};
+
+void in___ImpDnsWorkItemCreate( Query query )
+{
+    PB_ASSERT_TEXT( in___ImpDnsPrDomain.get(), "in___ImpDnsPrDomain" );
+    const auto item = pb::make<in___ImpDnsWorkItem>( std::move( query ) );
+    item->queue->submit( item );
+}
+
+void in___ImpDnsWorkItemProcessFunc( struct pbObj *argument )
+{
+    auto &item = static_cast<in___ImpDnsWorkItem &>( *argument );
+    item.queue->run( item );
+    item.halt();
+}
+
+void Queue::submit( Item item )
+{
+    bool refused, itsTurn = true;
+    {
+        pb::Guard guard( monitor_ );
+        refused = closed_;
+        if ( !refused ) {
+            waiting_.emplace( item.get(), item );
+            if ( item->isSrv() && std::exchange( srvRuns_, true ) ) {
+                srvTurns_.push_back( item );
+                itsTurn = false;
+            }
+        }
+    }
+    if ( refused ) {
+        fail( item->query );
+        item->halt();
+    }
+    else if ( itsTurn )
+        item->schedule();
+}
+
+void Queue::run( in___ImpDnsWorkItem &item )
+{
+    {
+        pb::Guard guard( monitor_ );
+        if ( !waiting_.extract( &item ) )
+            return; // failed meanwhile
+    }
+    lookUp( item.query );
+    if ( item.isSrv() )
+        passSrvTurn();
+}
+
+void Queue::passSrvTurn()
+{
+    Item next;
+    {
+        pb::Guard guard( monitor_ );
+        srvRuns_ = !srvTurns_.empty();
+        if ( srvRuns_ ) {
+            next = std::move( srvTurns_.front() );
+            srvTurns_.pop_front();
+        }
+    }
+    if ( next )
+        next->schedule();
+}
+
+void Queue::close()
+{
+    std::unordered_map<const in___ImpDnsWorkItem *, Item> failed;
+    std::deque<Item> turns;
+    {
+        pb::Guard guard( monitor_ );
+        closed_ = true;
+        failed.swap( waiting_ );
+        turns.swap( srvTurns_ );
+    }
+    for ( const auto &[key, item] : failed ) {
+        fail( item->query );
+        item->halt();
+    }
+}
+
+} // namespace
+
+constinit const struct pbSort in___sort_IN___IMP_DNS_WORK_ITEM =
+    pb::detail::makeSort<in___ImpDnsWorkItem>( "IN___IMP_DNS_WORK_ITEM" );
+constinit const struct pbSort in___sort_IN___IMP_DNS_QUEUE = pb::detail::makeSort<Queue>( "IN___IMP_DNS_QUEUE" );
+
+void in___ImpDnsStartup( void )
+{
+    auto domain = pb::adopt( prDomainTryCreate( threads, threadPriority, 0 ) );
+    PB_ASSERT_TEXT( domain, "in___ImpDnsPrDomain" );
+    in___ImpDnsPrDomain.set( std::move( domain ) );
+    in___ImpDnsQueue.set( pb::make<Queue>() );
+}
+
+void in___ImpDnsShutdown( void )
+{
+    in___ImpDnsQueue.get()->close();
+    in___ImpDnsPrDomain.invalidate(); // waits for the look-ups that run
+    in___ImpDnsQueue.invalidate();
+}
+
+void in___ImpDnsQueryAddresses( struct in___DnsQueryAddressesImp *query )
+{
+    PB_ASSERT( query );
+    in___ImpDnsWorkItemCreate( pb::share( query ) );
+}
+
+void in___ImpDnsQueryDomainNames( struct in___DnsQueryDomainNamesImp *query )
+{
+    PB_ASSERT( query );
+    in___ImpDnsWorkItemCreate( pb::share( query ) );
+}
+
+void in___ImpDnsQuerySrv( struct in___DnsQuerySrvImp *query )
+{
+    PB_ASSERT( query );
+    in___ImpDnsWorkItemCreate( pb::share( query ) );
+}

@@ -1,0 +1,202 @@
+// Look-ups through the system's resolver.
+#include "in/base/in_address.h"
+#include "in/dns/in_dns_data_in_srv.h"
+#include "in/dns/in_dns_idna.h"
+#include "in/dns/in_dns_message.h"
+#include "in/dns/in_dns_message_decode.h"
+#include "in/dns/in_dns_query_addresses_imp_internal.h"
+#include "in/dns/in_dns_query_domain_names_imp_internal.h"
+#include "in/dns/in_dns_query_srv_imp_internal.h"
+#include "in/dns/in_dns_record_type.h"
+#include "in/dns/in_dns_resource_record.h"
+#include "in/imp/in_imp_dns_unix_internal.h"
+#include "in/imp/in_imp_sockaddr_unix_internal.h"
+#include "pb/pb_buffer.h"
+#include "pb/pb_dict.h"
+#include "pb/pb_string.hpp"
+#include "pb/pb_vector.h"
+#include "tr/tr.hpp"
+#include "unix/unix_error.h"
+
+#include <algorithm>
+#include <arpa/nameser.h>
+#include <cerrno>
+#include <memory>
+#include <netdb.h>
+#include <resolv.h>
+
+namespace {
+
+using Vector = pb::Ref<struct pbVector>;
+
+// The trace of one look-up, linked to the query on whose behalf it is done.
+class Trace {
+  public:
+    explicit Trace( const char *name ) : stream_( pb::adopt( trStreamCreateCstr( name, -1 ) ) ) {}
+
+    pb::Ref<struct trAnchor> anchor() const
+    {
+        return pb::adopt( trAnchorCreate( stream_.get(), TR_ANCHOR_KIND_ORIGIN ) );
+    }
+    template <class... Arguments> void text( const char *format, const Arguments &...arguments ) const
+    {
+        tr::text( stream_.get(), format, arguments... );
+    }
+    // What a person should look at; the look-up has no result then.
+    template <class... Arguments> Vector failure( const char *format, const Arguments &...arguments ) const
+    {
+        trStreamSetNotable( stream_.get() );
+        text( format, arguments... );
+        return nullptr;
+    }
+    Vector result( Vector found ) const
+    {
+        if ( !found || pbVectorLength( found.get() ) == 0 )
+            return failure( "result: null" );
+        text( "result: %o", found );
+        return found;
+    }
+
+  private:
+    const pb::Ref<struct trStream> stream_;
+};
+
+using Bytes = std::unique_ptr<char, decltype( &pbBytesZFree )>;
+
+// A final full stop keeps the resolver from trying the name below the host's own domains.
+Bytes absolute( pb::String asciiName )
+{
+    pbStringAppendChar( asciiName.address(), PB_CHAR_FULL_STOP );
+    Bytes nodename( pbStringTryConvertToBytesZ( asciiName.get() ), pbBytesZFree );
+    PB_ASSERT( nodename );
+    return nodename;
+}
+
+Vector findAddresses( const Trace &trace, const struct pbString *name )
+{
+    trace.text( "domainName: %s", name );
+    const auto domainName = pb::adopt( inDnsIdnaDomainNameToAscii( name ) );
+    trace.text( "domainNameAscii: %s", domainName );
+    PB_ASSERT_TEXT( !pbStringEndsWithChar( domainName.get(), PB_CHAR_FULL_STOP ),
+                    "!pbStringEndsWithChar( domainName, PB_CHAR_FULL_STOP )" );
+    const Bytes nodename = absolute( domainName );
+
+    addrinfo *first = nullptr;
+    if ( const int code = getaddrinfo( nodename.get(), nullptr, nullptr, &first ) )
+        return trace.failure( "getaddrinfo(): %~s", pb::adopt( unixErrorGetaddrinfoToString( code ) ) );
+    const std::unique_ptr<addrinfo, decltype( &freeaddrinfo )> list( first, freeaddrinfo );
+
+    // Without hints each address comes once for each type of socket.
+    auto found = pb::adopt( pbDictCreate() );
+    for ( const addrinfo *entry = first; entry; entry = entry->ai_next ) {
+        pb::Ref<struct inAddress> address;
+        if ( entry->ai_addr && in___ImpSockaddrToAddress( entry->ai_addr, entry->ai_addrlen, address.address() ) )
+            pbDictSetObjKey( found.address(), inAddressObj( address.get() ), inAddressObj( address.get() ) );
+    }
+    return trace.result( pb::adopt( pbDictKeysVector( found.get() ) ) );
+}
+
+Vector findDomainNames( const Trace &trace, const struct inAddress *address )
+{
+    trace.text( "address: %o", address );
+    alignas( sockaddr_storage ) unsigned char sockaddr[sizeof( sockaddr_storage )];
+    PB_ASSERT( in___ImpSockaddrSize() <= PB_SIZEOF_ARRAY( sockaddr ) );
+    pbInt length = 0;
+    if ( !in___ImpSockaddrFromAddress( sockaddr, &length, address ) )
+        return trace.failure( "in___ImpSockaddrFromAddress(): false" );
+
+    char host[2048];
+    if ( const int code = getnameinfo( reinterpret_cast<const struct sockaddr *>( sockaddr ),
+                                       static_cast<socklen_t>( length ), host, sizeof host, nullptr, 0, 0 ) )
+        return trace.failure( "getnameinfo(): %~s", pb::adopt( unixErrorGetaddrinfoToString( code ) ) );
+    const auto name = pb::adopt( pbStringCreateFromCstr( host, -1 ) );
+    if ( !inDnsIdnaDomainNameOk( name.get() ) )
+        return trace.failure( "inDnsIdnaDomainNameOk(): false" );
+    auto names = pb::adopt( pbVectorCreate() );
+    const auto unicode = pb::adopt( inDnsIdnaDomainNameToUnicode( name.get() ) );
+    pbVectorAppend( names.address(), pbStringObj( unicode.get() ) );
+    return trace.result( std::move( names ) );
+}
+
+// The answer in wire format, or null.
+pb::Ref<struct pbBuffer> ask( const Trace &trace, const char *nodename )
+{
+    // The state of the resolver belongs to the thread.
+    thread_local const bool initialised = res_init() == 0;
+    (void)initialised; // on failure the calls below fail, too
+
+    unsigned char query[4096];
+    const int queryLength = res_mkquery( QUERY, nodename, ns_c_in, ns_t_srv, nullptr, 0, nullptr, query, sizeof query );
+    if ( queryLength < 0 ) {
+        trace.failure( "res_mkquery(): %~s", pb::adopt( unixErrorToString( errno ) ) );
+        return nullptr;
+    }
+    constexpr int answerSize = 65536;
+    auto answer = pb::adopt( pbBufferCreateUninitialized( answerSize ) );
+    const int answerLength = res_send( query, queryLength, pbBufferBackingForWrite( answer.address() ), answerSize );
+    if ( answerLength < 0 ) {
+        trace.failure( "res_send(): %~s", pb::adopt( unixErrorToString( errno ) ) );
+        return nullptr;
+    }
+    return pb::adopt(
+        pbBufferCreateFromBytes( pbBufferBacking( answer.get() ), std::min( answerLength, answerSize ) ) );
+}
+
+Vector findSrv( const Trace &trace, const struct pbString *name )
+{
+    trace.text( "service: %s", name );
+    const auto service = pb::adopt( inDnsIdnaDomainNameToAscii( name ) );
+    trace.text( "serviceAscii: %s", service );
+    PB_ASSERT_TEXT( !pbStringEndsWithChar( service.get(), PB_CHAR_FULL_STOP ),
+                    "!pbStringEndsWithChar( service, PB_CHAR_FULL_STOP )" );
+    const auto answer = ask( trace, absolute( service ).get() );
+    if ( !answer )
+        return nullptr;
+    const auto msg = pb::adopt( inDnsMessageTryDecode( answer.get() ) );
+    if ( !msg )
+        return trace.failure( "inDnsMessageTryDecode(): null" );
+
+    auto found = pb::adopt( pbDictCreate() ); // each of several equal records once
+    for ( pbInt i = 0; i < inDnsMessageAnswerLength( msg.get() ); ++i ) {
+        const auto record = pb::adopt( inDnsMessageAnswerResourceRecordAt( msg.get(), i ) );
+        if ( const auto srv = pb::adopt( inDnsResourceRecordInSrv( record.get() ) ) )
+            pbDictSetObjKey( found.address(), inDnsDataInSrvObj( srv.get() ), inDnsDataInSrvObj( srv.get() ) );
+    }
+    const auto keys = pb::adopt( pbDictKeysVector( found.get() ) );
+    return trace.result( pb::adopt( inDnsDataInSrvVectorOrder( keys.get() ) ) );
+}
+
+} // namespace
+
+void in___ImpDnsDoQueryAddresses( struct in___DnsQueryAddressesImp *query )
+{
+    const Trace trace( "in___ImpDnsDoQueryAddresses()" );
+    in___DnsQueryAddressesImpTraceCompleteAnchor( query, trace.anchor().get() );
+    const auto domainName = pb::adopt( in___DnsQueryAddressesImpDomainName( query ) );
+    if ( const Vector result = findAddresses( trace, domainName.get() ) )
+        in___DnsQueryAddressesImpEndSet( query, result.get() );
+    else
+        in___DnsQueryAddressesImpErrorSet( query );
+}
+
+void in___ImpDnsDoQueryDomainNames( struct in___DnsQueryDomainNamesImp *query )
+{
+    const Trace trace( "in___ImpDnsDoQueryDomainNames()" );
+    in___DnsQueryDomainNamesImpTraceCompleteAnchor( query, trace.anchor().get() );
+    const auto address = pb::adopt( in___DnsQueryDomainNamesImpAddress( query ) );
+    if ( const Vector result = findDomainNames( trace, address.get() ) )
+        in___DnsQueryDomainNamesImpEndSet( query, result.get() );
+    else
+        in___DnsQueryDomainNamesImpErrorSet( query );
+}
+
+void in___ImpDnsDoQuerySrv( struct in___DnsQuerySrvImp *query )
+{
+    const Trace trace( "in___ImpDnsDoQuerySrv()" );
+    in___DnsQuerySrvImpTraceCompleteAnchor( query, trace.anchor().get() );
+    const auto service = pb::adopt( in___DnsQuerySrvImpService( query ) );
+    if ( const Vector result = findSrv( trace, service.get() ) )
+        in___DnsQuerySrvImpEndSet( query, result.get() );
+    else
+        in___DnsQuerySrvImpErrorSet( query );
+}
