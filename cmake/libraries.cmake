@@ -47,6 +47,12 @@ endfunction()
 
 include( GoogleTest )
 
+# Sanitized builds optimise what is tested, not the tests: half of their time of building, and they run no slower.
+set( IN_CALLER_OPTIONS "" )
+if( IN_SANITIZE )
+    set( IN_CALLER_OPTIONS -O0 -gline-tables-only )
+endif()
+
 # in_test( NAME SOURCES... LIBRARIES... [THREADS] [TIMEOUT s] [RESOURCE_LOCK name] ): one test program of GoogleTest. CTest
 # runs each case in a process of its own, so that cases may start and stop the module, and counts a GTEST_SKIP as skipped.
 # THREADS marks the programs that ThreadSanitizer is to see; a thread-sanitized build has no others.
@@ -57,6 +63,7 @@ function( in_test name )
     endif()
     add_executable( ${name} ${arg_SOURCES} )
     target_include_directories( ${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" )
+    target_compile_options( ${name} PRIVATE ${IN_CALLER_OPTIONS} )
     target_link_libraries( ${name} PRIVATE ${arg_LIBRARIES} GTest::gmock Threads::Threads )
     if( NOT arg_TIMEOUT )
         set( arg_TIMEOUT 60 )
