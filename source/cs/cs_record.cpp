@@ -38,3 +38,14 @@ extern "C" struct csStatusReporter *csRecordStatus( const struct csRecord *recor
     return record->optionalObject && call && record->sort->status ? record->sort->status( record->optionalObject.get() )
                                                                   : nullptr;
 }
+
+extern "C" pbBool csRecordTraceCompleteAnchor( const struct csRecord *record, struct trAnchor *anchor )
+{
+    PB_ASSERT( record );
+    PB_ASSERT( anchor );
+    const cs::Call call( record->sort );
+    if ( !record->optionalObject || !call || !record->sort->traceCompleteAnchor )
+        return 0;
+    record->sort->traceCompleteAnchor( record->optionalObject.get(), anchor );
+    return 1;
+}

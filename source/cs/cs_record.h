@@ -10,6 +10,7 @@ struct csRecord;
 struct csStatusReporter;
 struct pbStore;
 struct pbString;
+struct trAnchor;
 
 PB_API const struct pbSort *csRecordSort( void );
 PB_API struct csRecord *csRecordRetain( const struct csRecord *obj );
@@ -28,6 +29,8 @@ PB_API struct pbStore *csRecordStore( const struct csRecord *record );
 PB_API struct pbObj *csRecordObject( const struct csRecord *record );
 // Null also when the sort has no status.
 PB_API struct csStatusReporter *csRecordStatus( const struct csRecord *record );
+// Completes the anchor with the object's trace. False without an object, and when the sort has no trace.
+PB_API pbBool csRecordTraceCompleteAnchor( const struct csRecord *record, struct trAnchor *anchor );
 
 PB_DECLS_END
 

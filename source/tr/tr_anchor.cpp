@@ -3,6 +3,7 @@
 
 #include "pb/pb_string.hpp"
 #include "tr/tr.hpp"
+#include "tr/tr_link_internal.hpp"
 #include "tr/tr_system_internal.h"
 
 PB_SORT_DECLARE( tr___sort_TR_ANCHOR )
@@ -43,7 +44,10 @@ void trAnchorComplete( struct trAnchor *anchor, struct trStream *stream )
     PB_ASSERT( anchor );
     PB_ASSERT( stream );
     // The mark orders nothing: whoever sets it makes the link.
-    if ( anchor->completed.exchange( true, std::memory_order_relaxed ) || !tr::listening() )
+    if ( anchor->completed.exchange( true, std::memory_order_relaxed ) )
+        return;
+    tr::addLink( anchor->stream.get(), stream, anchor->kind, anchor->annotation );
+    if ( !tr::listening() )
         return;
     const pb::String name = pb::adopt( trStreamName( anchor->stream.get() ) );
     struct trEvent event = { .kind = TR_EVENT_LINKED,

@@ -7,6 +7,7 @@
 #include "pb/pb_store.h"
 #include "pb/pb_string.hpp"
 #include "tr/tr.hpp"
+#include "tr/tr_link_internal.hpp"
 #include "tr/tr_system_internal.h"
 
 namespace {
@@ -25,6 +26,8 @@ struct trStream final : pb::Object<struct trStream, tr___sort_TR_STREAM> {
     const pb::String name;
     const pbInt identifier = nextIdentifier();
 
+    mutable tr::LinksOwner links;
+
     // Held while a change is handed to the listener, so that the events tell the states in their order. The system's
     // monitor is the inner one, and the listener does not come back.
     mutable pb::Monitor monitor;
@@ -37,7 +40,11 @@ struct trStream final : pb::Object<struct trStream, tr___sort_TR_STREAM> {
     {
         emit( { .kind = TR_EVENT_CREATED, .text = name.get() } );
     }
-    ~trStream() { emit( { .kind = TR_EVENT_RELEASED } ); }
+    ~trStream()
+    {
+        links.drop(); // first: a replay may be reading what follows
+        emit( { .kind = TR_EVENT_RELEASED } );
+    }
 
     pb::String toString() const { return name; }
 
@@ -79,6 +86,8 @@ struct trStream final : pb::Object<struct trStream, tr___sort_TR_STREAM> {
     }
 };
 PB_OBJECT_DEFINE( trStream, tr___sort_TR_STREAM )
+
+tr::LinksOwner &tr::linksOf( const struct trStream *stream ) { return stream->links; }
 
 extern "C" {
 

@@ -35,10 +35,16 @@ struct trEvent {
     pbInt other;         // identifier of the linked stream
 };
 
-// The listener runs in tracing threads, one call at a time, with monitors held: it must be quick and must not call into
-// the traced libraries. One listener at most; null removes it, and no call runs after that returns.
+// A listener runs in tracing threads, one call at a time, with monitors held: it must be quick and must not call into
+// the traced libraries. This is the one for the whole trace; null removes it, and no call runs after that returns.
 PB_API void trSystemSetListener( void ( *listener )( const struct trEvent *event, void *context ), void *context );
-// Per-packet texts are written only while this is true, which needs a listener too.
+// Further listeners beside that one, under the same rules, each once; the same function and context again changes the
+// wish. Del returns when no call runs any more, and is harmless when there is nothing to remove.
+PB_API void trSystemAddListener( void ( *listener )( const struct trEvent *event, void *context ), void *context,
+                                 pbBool acceptsHighVolumeMessages );
+PB_API void trSystemDelListener( void ( *listener )( const struct trEvent *event, void *context ), void *context );
+// Per-packet texts are written only while this is true, which needs a listener too: the one above and the wish set
+// here, or a further one with that wish. While it is true, messages with a payload go to those who wish for them only.
 PB_API pbBool trSystemAcceptsHighVolumeMessages( void );
 PB_API void trSystemSetAcceptsHighVolumeMessages( pbBool accepts );
 

@@ -5,8 +5,10 @@
 #include "tr/tr_system.h"
 
 extern "C" {
-// Stamps the event and gives it to the listener, if there still is one.
+// Stamps the event and gives it to the listeners that are still there.
 void tr___SystemEmit( struct trEvent *event );
+// The stamp of an event of now.
+pbInt tr___SystemNow( void );
 }
 
 #endif

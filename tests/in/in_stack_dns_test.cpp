@@ -2,6 +2,7 @@
 // among addresses; waiting.
 #include "in/base/in_stack_dns.hpp"
 
+#include "cs/cs_json.h"
 #include "in/base/in_address_version.h"
 #include "in/base/in_flags.h"
 #include "in/base/in_options.h"
@@ -116,6 +117,29 @@ TEST( DnsQueries, FlushFailsWhatRunsAndForgetsTheRest )
     EXPECT_EQ( asked.table.earliestExpiry(), std::nullopt );
 }
 
+TEST( DnsQueries, AreListedWithWhatIsLeftOfTheirTime )
+{
+    Asked asked;
+    const Imp good = asked.ask( "good" ), bad = asked.ask( "bad" ), ended = asked.ask( "ended" );
+    const Imp running = asked.ask( "running" );
+    in___DnsQueryAddressesImpEndSet( good.get(), addresses( { "192.0.2.1", "192.0.2.2" } ).get() );
+    in___DnsQueryAddressesImpErrorSet( bad.get() );
+    asked.table.collectEnded( 1000, asked.options.get() );
+    in___DnsQueryAddressesImpEndSet( ended.get(), addresses( {} ).get() );
+    const auto listed = [&asked]( size_t limit, pbInt now ) {
+        auto queries = pb::adopt( pbStoreCreate() );
+        in::appendListed<in::DnsAddresses>( queries, asked.table.list( limit ), now );
+        return pb::utf8( pb::adopt( csJsonFromStore( queries.get(), CS_JSON_SHORT ) ) );
+    };
+    const std::string first = R"({"kind": "addresses", "key": "ended", "state": "known", "result": {}})";
+    EXPECT_EQ( listed( 1, 0 ), "[" + first + "]" );
+    EXPECT_EQ( listed( 9, 1050 ),
+               "[" + first + R"(, {"kind": "addresses", "key": "running", "state": "running"})"
+               R"(, {"kind": "addresses", "key": "bad", "state": "failed", "remaining": 0})"
+               R"(, {"kind": "addresses", "key": "good", "state": "known", "remaining": 50, "result": ["192.0.2.1", "192.0.2.2"]}])" );
+    EXPECT_EQ( asked.table.size(), 4u );
+}
+
 TEST( DnsQueryImp, EndsOnce )
 {
     support::TraceCatcher catcher;
@@ -191,6 +215,9 @@ TEST( StackDns, SharesQueriesUntilTheyExpireOrAreFlushed )
     clock.advance( 0 );
     clock.advance( 999 );
     EXPECT_TRUE( ask( stack ).is( first ) );
+    EXPECT_EQ( pb::utf8( pb::adopt( csJsonFromStore( pb::adopt( inStackDnsQueriesStore( stack.get(), 5 ) ).get(),
+                                                     CS_JSON_SHORT ) ) ),
+               R"({"length": 1, "queries": [{"kind": "addresses", "key": "host.example", "state": "failed", "remaining": 1}]})" );
     clock.advance( 1 );
     const Imp second = ask( stack );
     EXPECT_FALSE( second.is( first ) );

@@ -2,6 +2,7 @@
 #include "support/death_table.hpp"
 #include "support/trace_catcher.hpp"
 #include "tr/tr.hpp"
+#include "tr/tr_replay.h"
 
 #include <thread>
 
@@ -114,6 +115,118 @@ TEST( TrSystem, NoCallRunsAfterTheListenerWasRemoved )
     }
     stop = true;
     tracing.join();
+}
+
+void link( const Stream &from, const Stream &to, pbInt kind = TR_ANCHOR_KIND_PLAIN )
+{
+    trAnchorComplete( pb::adopt( trAnchorCreate( from.get(), kind ) ).get(), to.get() );
+}
+
+// "A B A>B" for the streams told and then the links.
+std::string replay( const Stream &from, pbInt depth )
+{
+    struct Told {
+        std::string streams, links;
+        std::map<pbInt, std::string> names;
+    } told;
+    trStreamReplay( from.get(), depth, []( const trEvent *event, void *context ) {
+        Told &told = *static_cast<Told *>( context );
+        const std::string name = pb::utf8( event->name );
+        if ( event->kind == TR_EVENT_CREATED ) {
+            told.streams += name + " ";
+            told.names[event->stream] = name;
+        }
+        else if ( event->kind == TR_EVENT_LINKED )
+            told.links += name + ">" + std::to_string( event->other ) + " ";
+    }, &told );
+    for ( const auto &[identifier, name] : told.names )
+        for ( size_t at; ( at = told.links.find( ">" + std::to_string( identifier ) + " " ) ) != std::string::npos; )
+            told.links.replace( at + 1, std::to_string( identifier ).size(), name );
+    return told.streams + told.links;
+}
+
+// Nobody listens when the links are made.
+TEST( TrReplay, TellsWhatIsReachedOverTheLinksThatStand )
+{
+    const Stream a = stream( "A" ), b = stream( "B" ), c = stream( "C" ), user = stream( "U" ), work = stream( "W" );
+    Stream gone = stream( "G" );
+    link( a, b );
+    link( a, b ); // known
+    link( a, a );
+    link( b, c, TR_ANCHOR_KIND_STACK );
+    link( c, a, TR_ANCHOR_KIND_USE );
+    link( user, b );
+    link( work, b, TR_ANCHOR_KIND_ORIGIN );
+    link( b, gone );
+    link( gone, c );
+    EXPECT_EQ( replay( a, TR_REPLAY_WITHOUT_END ), "A B C G W A>B B>C B>G C>A G>C W>B " );
+    gone.reset();
+    EXPECT_EQ( replay( a, TR_REPLAY_WITHOUT_END ), "A B C W A>B B>C C>A W>B " );
+    EXPECT_EQ( replay( user, 1 ), "U B U>B B>" + std::to_string( trStreamIdentifier( c.get() ) ) + " W>B " );
+    EXPECT_EQ( replay( work, TR_REPLAY_WITHOUT_END ), "W W>" + std::to_string( trStreamIdentifier( b.get() ) ) + " " );
+
+    trStreamSetPropertyCstrInt( c.get(), "number", -1, 5 );
+    trStreamSetConfiguration( c.get(), pb::adopt( pbStoreCreate() ).get() );
+    trStreamSetNotable( c.get() );
+    std::vector<pbInt> kinds;
+    trStreamReplay( c.get(), 0, []( const trEvent *event, void *context ) {
+        static_cast<std::vector<pbInt> *>( context )->push_back( event->kind );
+    }, &kinds );
+    EXPECT_THAT( kinds, ElementsAre( TR_EVENT_CREATED, TR_EVENT_CONFIGURATION, TR_EVENT_PROPERTY, TR_EVENT_NOTABLE,
+                                     TR_EVENT_LINKED ) );
+}
+
+TEST( TrReplay, StreamsComeAndGoMeanwhile )
+{
+    const Stream root = stream( "ROOT" );
+    std::atomic<bool> stop{ false };
+    std::vector<std::thread> threads;
+    for ( int i = 0; i < 3; ++i )
+        threads.emplace_back( [&] {
+            while ( !stop ) {
+                const Stream middle = stream( "MIDDLE" ), end = stream( "END" );
+                link( root, middle );
+                link( middle, end );
+                link( end, root, TR_ANCHOR_KIND_ORIGIN );
+            }
+        } );
+    for ( int i = 0; i < 2000; ++i )
+        EXPECT_TRUE( replay( root, TR_REPLAY_WITHOUT_END ).starts_with( "ROOT " ) );
+    stop = true;
+    for ( std::thread &thread : threads )
+        thread.join();
+    EXPECT_EQ( replay( root, TR_REPLAY_WITHOUT_END ), "ROOT " );
+}
+
+// Two more listeners beside the catcher, of which one wishes for high volume.
+TEST( TrSystem, EachListenerHearsWhatItWishesFor )
+{
+    const Stream s = stream( "S" );
+    int quiet = 0, loud = 0;
+    const auto count = []( const trEvent *, void *context ) { ++*static_cast<int *>( context ); };
+    const auto payload = pb::adopt( pbBufferCreateFromBytes( "abc", 3 ) );
+    const auto traceTwo = [&] {
+        quiet = loud = 0;
+        tr::text( s.get(), "[f()]" );
+        tr::message( s.get(), payload.get(), "[g()]" );
+        return std::pair( quiet, loud );
+    };
+    TraceCatcher catcher;
+    trSystemAddListener( count, &quiet, false );
+    EXPECT_EQ( traceTwo(), std::pair( 2, 0 ) );
+    EXPECT_FALSE( trSystemAcceptsHighVolumeMessages() );
+    trSystemAddListener( count, &loud, false );
+    trSystemAddListener( count, &loud, true ); // once, with the new wish
+    EXPECT_TRUE( trSystemAcceptsHighVolumeMessages() );
+    catcher.clear();
+    EXPECT_EQ( traceTwo(), std::pair( 1, 2 ) );
+    EXPECT_THAT( catcher.texts( "S" ), ElementsAre( "[f()]" ) );
+    trSystemDelListener( count, &loud );
+    trSystemDelListener( count, &loud );
+    EXPECT_EQ( traceTwo(), std::pair( 2, 0 ) );
+    trSystemDelListener( count, &quiet );
+    EXPECT_FALSE( trSystemAcceptsHighVolumeMessages() );
+    EXPECT_EQ( traceTwo(), std::pair( 0, 0 ) );
 }
 
 TEST( TrDeathTest, Preconditions )

@@ -112,6 +112,13 @@ struct csStatusReporter *inStackCsStatus( const struct inStack *stack )
     return in___StackImpCsStatus( stack->imp.get() );
 }
 
+struct pbStore *inStackDnsQueriesStore( const struct inStack *stack, pbInt limit )
+{
+    PB_ASSERT( stack );
+    PB_ASSERT( limit >= 0 );
+    return in___StackImpDnsQueriesStore( stack->imp.get(), limit );
+}
+
 void inStackTraceCompleteAnchor( struct inStack *stack, struct trAnchor *anchor )
 {
     PB_ASSERT( stack );

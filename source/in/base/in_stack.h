@@ -17,6 +17,7 @@ struct inNwInterface;
 struct inOptions;
 struct inStack;
 struct pbSignalable;
+struct pbStore;
 struct pbString;
 struct pbVector;
 struct trAnchor;
@@ -52,6 +53,12 @@ IN_API void inStackConfiguration( const struct inStack *stack, struct inOptions 
 // Signalled once, when address, interfaces or up change next: register, then read, each time.
 IN_API void inStackUpdateAddSignalable( struct inStack *stack, struct pbSignalable *signalable );
 IN_API void inStackUpdateDelSignalable( struct inStack *stack, struct pbSignalable *signalable );
+
+// What the stack is asking the resolver, and what it knows until it expires: "length", how many queries there are, and
+// "queries", an array of the first limit of them, each with "kind" ("addresses", "domainNames", "srv"), "key" (the
+// name, address or service), "state" ("running", "known", "failed"), "remaining" (milliseconds until it is forgotten;
+// only of what has an expiry already) and "result" (an array of texts). By kind; what runs first, then by expiry.
+IN_API struct pbStore *inStackDnsQueriesStore( const struct inStack *stack, pbInt limit );
 
 // Up or down, with the item "inStackAddress" while there is an address.
 IN_API struct csStatusReporter *inStackCsStatus( const struct inStack *stack );

@@ -10,7 +10,9 @@
 #include "in/dns/in_dns_query_srv_imp_internal.h"
 #include "in/imp/in_imp_dns_internal.h"
 #include "pb/pb_dict.h"
+#include "pb/pb_store.h"
 #include "pb/pb_string.hpp"
+#include "pb/pb_vector.h"
 
 #include <map>
 #include <optional>
@@ -22,6 +24,7 @@ namespace in {
 struct DnsAddresses {
     using Key = struct pbString;
     using Imp = struct in___DnsQueryAddressesImp;
+    static constexpr const char *name = "addresses";
     static constexpr auto disabled = inDnsOptionsDisableQueryAddresses;
     static constexpr auto keyObj = pbStringObj;
     static constexpr auto key = in___DnsQueryAddressesImpDomainName;
@@ -34,11 +37,13 @@ struct DnsAddresses {
     static constexpr auto endAddSignalable = in___DnsQueryAddressesImpEndAddSignalable;
     static constexpr auto traceCompleteAnchor = in___DnsQueryAddressesImpTraceCompleteAnchor;
     static constexpr auto resolve = in___ImpDnsQueryAddresses;
+    static constexpr auto result = in___DnsQueryAddressesImpAddressesVector;
 };
 
 struct DnsDomainNames {
     using Key = struct inAddress;
     using Imp = struct in___DnsQueryDomainNamesImp;
+    static constexpr const char *name = "domainNames";
     static constexpr auto disabled = inDnsOptionsDisableQueryDomainNames;
     static constexpr auto keyObj = inAddressObj;
     static constexpr auto key = in___DnsQueryDomainNamesImpAddress;
@@ -51,11 +56,13 @@ struct DnsDomainNames {
     static constexpr auto endAddSignalable = in___DnsQueryDomainNamesImpEndAddSignalable;
     static constexpr auto traceCompleteAnchor = in___DnsQueryDomainNamesImpTraceCompleteAnchor;
     static constexpr auto resolve = in___ImpDnsQueryDomainNames;
+    static constexpr auto result = in___DnsQueryDomainNamesImpDomainNamesVector;
 };
 
 struct DnsSrv {
     using Key = struct pbString;
     using Imp = struct in___DnsQuerySrvImp;
+    static constexpr const char *name = "srv";
     static constexpr auto disabled = inDnsOptionsDisableQuerySrv;
     static constexpr auto keyObj = pbStringObj;
     static constexpr auto key = in___DnsQuerySrvImpService;
@@ -68,6 +75,7 @@ struct DnsSrv {
     static constexpr auto endAddSignalable = in___DnsQuerySrvImpEndAddSignalable;
     static constexpr auto traceCompleteAnchor = in___DnsQuerySrvImpTraceCompleteAnchor;
     static constexpr auto resolve = in___ImpDnsQuerySrv;
+    static constexpr auto result = in___DnsQuerySrvImpDataInSrvsVector;
 };
 
 // Queries that were taken out of a table. Their last references may end objects of the host, so they are dropped when
@@ -131,6 +139,20 @@ template <class Kind> class DnsQueries {
         known_.erase( known_.begin(), kept );
     }
 
+    size_t size() const { return running_.size() + known_.size(); }
+    // Of the first so many: those that run or have just ended, as they were asked, without an expiry, then those that
+    // are known, which expires first first. Only references are taken, for the monitor's sake.
+    using Listed = std::vector<std::pair<Imp, std::optional<pbInt>>>;
+    Listed list( size_t limit ) const
+    {
+        Listed listed;
+        for ( auto imp = running_.begin(); imp != running_.end() && listed.size() < limit; ++imp )
+            listed.emplace_back( *imp, std::nullopt );
+        for ( auto known = known_.begin(); known != known_.end() && listed.size() < limit; ++known )
+            listed.emplace_back( known->second, known->first );
+        return listed;
+    }
+
     std::optional<pbInt> earliestExpiry() const
     {
         return known_.empty() ? std::nullopt : std::optional( known_.begin()->first );
@@ -143,6 +165,38 @@ template <class Kind> class DnsQueries {
     std::vector<Imp> running_;        // in the order in which they were asked
     std::multimap<pbInt, Imp> known_; // by expiry
 };
+
+// A query as a person reads it: key, state, what is left of its time at now, result.
+template <class Kind>
+pb::Ref<struct pbStore> storeOfListed( typename Kind::Imp *imp, std::optional<pbInt> expiry, pbInt now )
+{
+    auto store = pb::adopt( pbStoreCreate() );
+    const auto set = [&store]( const char *key, const pb::String &text ) {
+        pbStoreSetValueCstr( store.address(), key, -1, text.get() );
+    };
+    const bool ended = Kind::end( imp ) != 0;
+    set( "kind", pb::string( Kind::name ) );
+    set( "key", pb::adopt( pbObjToString( Kind::keyObj( pb::adopt( Kind::key( imp ) ).get() ) ) ) );
+    set( "state", pb::string( !ended ? "running" : Kind::error( imp ) ? "failed" : "known" ) );
+    if ( expiry )
+        pbStoreSetValueIntCstr( store.address(), "remaining", -1, *expiry > now ? *expiry - now : 0 );
+    if ( const auto result = pb::adopt( Kind::result( imp ) ) ) {
+        auto texts = pb::adopt( pbStoreCreate() );
+        for ( pbInt i = 0; i < pbVectorLength( result.get() ); ++i )
+            pbStoreArrayAppendValue(
+                texts.address(),
+                pb::adopt( pbObjToString( pb::adopt( pbVectorObjAt( result.get(), i ) ).get() ) ).get() );
+        pbStoreSetStoreCstr( store.address(), "result", -1, texts.get() );
+    }
+    return store;
+}
+
+template <class Kind>
+void appendListed( pb::Ref<struct pbStore> &queries, const typename DnsQueries<Kind>::Listed &listed, pbInt now )
+{
+    for ( const auto &[imp, expiry] : listed )
+        pbStoreArrayAppendStore( queries.address(), storeOfListed<Kind>( imp.get(), expiry, now ).get() );
+}
 
 } // namespace in
 

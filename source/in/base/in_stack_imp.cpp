@@ -85,6 +85,9 @@ struct in___StackImp final : pb::Object<struct in___StackImp, in___sort_IN___STA
     // The query for the key: one that runs or whose answer is known, else a new one.
     template <class Kind> typename Kind::Imp *query( const typename Kind::Key *key, struct trAnchor *optionalAnchor );
 
+    // The queries as inStackDnsQueriesStore tells them.
+    pb::Ref<struct pbStore> queriesStore( size_t limit ) const;
+
   private:
     // The steps of a run.
     void applyOptions( Changes &changes ) PB_REQUIRES( monitor );
@@ -284,6 +287,33 @@ typename Kind::Imp *in___StackImp::query( const typename Kind::Key *key, struct 
     return imp.release();
 }
 
+pb::Ref<struct pbStore> in___StackImp::queriesStore( size_t limit ) const
+{
+    std::tuple<in::DnsQueries<in::DnsAddresses>::Listed, in::DnsQueries<in::DnsDomainNames>::Listed,
+               in::DnsQueries<in::DnsSrv>::Listed>
+        listed;
+    size_t length = 0;
+    {
+        pb::Guard guard( monitor );
+        const auto list = [&]<class Kind>( const in::DnsQueries<Kind> &table ) {
+            auto &part = std::get<typename in::DnsQueries<Kind>::Listed>( listed );
+            length += table.size();
+            part = table.list( limit );
+            limit -= part.size();
+        };
+        std::apply( [&]( const auto &...tables ) { ( list( tables ), ... ); }, queries_ );
+    }
+    auto queries = pb::adopt( pbStoreCreate() );
+    const pbInt now = pbTimestamp();
+    in::appendListed<in::DnsAddresses>( queries, std::get<0>( listed ), now );
+    in::appendListed<in::DnsDomainNames>( queries, std::get<1>( listed ), now );
+    in::appendListed<in::DnsSrv>( queries, std::get<2>( listed ), now );
+    auto store = pb::adopt( pbStoreCreate() );
+    pbStoreSetValueIntCstr( store.address(), "length", -1, static_cast<pbInt>( length ) );
+    pbStoreSetStoreCstr( store.address(), "queries", -1, queries.get() );
+    return store;
+}
+
 void in___StackImp::halt()
 {
     tr::text( trace.get(), "[in___StackImpHalt()]" );
@@ -377,6 +407,13 @@ void in___StackImpTraceCompleteAnchor( struct in___StackImp *imp, struct trAncho
     PB_ASSERT( imp );
     PB_ASSERT( anchor );
     trAnchorComplete( anchor, imp->trace.get() );
+}
+
+struct pbStore *in___StackImpDnsQueriesStore( const struct in___StackImp *imp, pbInt limit )
+{
+    PB_ASSERT( imp );
+    PB_ASSERT( limit >= 0 );
+    return imp->queriesStore( static_cast<size_t>( limit ) ).release();
 }
 
 // By the configured options, which may be newer than those in effect.

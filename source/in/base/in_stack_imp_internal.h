@@ -18,6 +18,7 @@ struct inNwInterface;
 struct inOptions;
 struct inTcpAddress;
 struct pbSignalable;
+struct pbStore;
 struct pbString;
 struct pbVector;
 struct trAnchor;
@@ -49,6 +50,7 @@ pbBool in___StackImpAddressIs( const struct in___StackImp *imp, const struct inA
 void in___StackImpUpdateAddSignalable( struct in___StackImp *imp, struct pbSignalable *signalable );
 void in___StackImpUpdateDelSignalable( struct in___StackImp *imp, struct pbSignalable *signalable );
 struct csStatusReporter *in___StackImpCsStatus( const struct in___StackImp *imp );
+struct pbStore *in___StackImpDnsQueriesStore( const struct in___StackImp *imp, pbInt limit );
 void in___StackImpTraceCompleteAnchor( struct in___StackImp *imp, struct trAnchor *anchor );
 void in___StackImpTcpBlacklist( struct in___StackImp *imp, const struct inTcpAddress *address );
 pbBool in___StackImpTcpIsBlacklisted( const struct in___StackImp *imp, const struct inTcpAddress *address );
