@@ -7,11 +7,13 @@
 #include "in/dns/in_dns_idna.h"
 #include "in/dns/in_dns_message.h"
 #include "in/dns/in_dns_message_decode.h"
+#include "in/dns/in_dns_query_srv_imp_internal.h"
 #include "in/dns/in_dns_question_record.h"
 #include "in/dns/in_dns_resource_record.h"
+#include "in/imp/in_imp_dns_unix_internal.h"
 #include "pb/pb_buffer.h"
 #include "pb/pb_string.hpp"
-#include "support/dns_wire.hpp"
+#include "support/dns_worst.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,7 +25,7 @@
 // What the tests of cost count: memory in use, its highest, and how often some was asked for.
 namespace {
 
-size_t inUse, mostInUse, allocations;
+size_t inUse, mostInUse, allocations, allocated; // allocated: all bytes ever
 
 } // namespace
 
@@ -33,6 +35,7 @@ void *operator new( size_t size )
     if ( !memory )
         throw std::bad_alloc();
     inUse += malloc_usable_size( memory );
+    allocated += size;
     mostInUse = std::max( mostInUse, inUse );
     ++allocations;
     return memory;
@@ -259,55 +262,9 @@ TEST( InDnsMessageDecode, RefusesCountsBeyondTheBytes )
     }
 }
 
-// As many questions as 65,535 bytes take.
-DnsWire filled( DnsWire wire, const std::function<std::string( size_t offset )> &name )
-{
-    for ( std::string next; ( next = name( wire.bytes.size() ) ).size() + 4 + wire.bytes.size() <= 65535; )
-        wire.question( next, 1 );
-    return wire;
-}
-
 TEST( InDnsMessageDecode, StaysCheapForTheWorstMessages )
 {
-    std::string many;
-    for ( int i = 0; i < 32000; ++i )
-        many += "\1a";
-    DnsWire longName, halfName, longUnicode;
-    longName.question( many + '\0', 1 );
-    halfName.question( many.substr( 0, 32000 ) + '\0', 1 );
-    longUnicode.question( dnsLabels( "b\u00FCcher" ) + many.substr( 0, 32000 ) + '\0', 1 );
-    DnsWire texts;
-    texts.answer( root, 16, std::string( 65400, '\0' ) );
-    size_t previous = 12;
-    struct {
-        const char *what;
-        DnsWire wire;
-        pbInt lastLength; // of the text of the last name
-    } const rows[] = { { "32,000 labels", longName, 63999 },
-                       { "pointers to a long name", filled( halfName, []( size_t ) { return pointer; } ), 31999 },
-                       { "another label before a long name each",
-                         filled( halfName, []( size_t ) { return dnsLabels( "b" ) + pointer; } ), 32001 },
-                       { "the same with text that is not ASCII",
-                         filled( longUnicode, []( size_t ) { return dnsLabels( "b" ) + pointer; } ), 32008 },
-                       { "a chain of pointers",
-                         filled( halfName,
-                                 [&]( size_t offset ) {
-                                     return dnsPointer( offset < 0x4000 ? std::exchange( previous, offset )
-                                                                        : previous );
-                                 } ),
-                         31999 },
-                       { "names of the greatest length that is kept as text",
-                         filled(
-                             [&] {
-                                 DnsWire wire;
-                                 wire.question( many.substr( 0, 1022 ) + '\0', 1 );
-                                 return wire;
-                             }(),
-                             []( size_t ) { return dnsLabels( "bb" ) + pointer; } ),
-                         1024 },
-                       { "empty names", filled( DnsWire(), []( size_t ) { return root; } ), 0 },
-                       { "empty strings", texts, 0 } };
-    for ( const auto &row : rows ) {
+    for ( const WorstMessage &row : dnsWorstNames() ) {
         SCOPED_TRACE( row.what );
         ASSERT_LE( row.wire.bytes.size(), 65535u );
         const auto buffer =
@@ -323,8 +280,25 @@ TEST( InDnsMessageDecode, StaysCheapForTheWorstMessages )
         if ( !questions )
             continue;
         const auto last = questionName( msg, questions - 1 );
-        EXPECT_EQ( last ? pbStringLength( last.get() ) : 0, row.lastLength );
+        EXPECT_EQ( last ? pbStringLength( last.get() ) : 0, row.expected );
         EXPECT_TRUE( !last || inDnsIdnaDomainNameOk( last.get() ) );
+    }
+}
+
+TEST( InDnsMessageDecode, LeavesTheWorstServicesCheapToCompleteAQueryWith )
+{
+    for ( const WorstMessage &row : dnsWorstServices() ) {
+        SCOPED_TRACE( row.what );
+        ASSERT_LE( row.wire.bytes.size(), 65535u );
+        const Message msg = decode( row.wire.bytes );
+        ASSERT_TRUE( msg );
+        const auto query = pb::adopt( in___DnsQuerySrvImpCreate( pb::string( "a" ).get(), nullptr ) );
+        const size_t inUseBefore = inUse, allocatedBefore = allocated;
+        mostInUse = inUse;
+        in___DnsQuerySrvImpEndSet( query.get(), pb::adopt( in___ImpDnsServiceData( msg.get() ) ).get() );
+        EXPECT_LT( mostInUse - inUseBefore, size_t( 32 ) << 20 );
+        EXPECT_LT( allocated - allocatedBefore, size_t( 64 ) << 20 );
+        EXPECT_EQ( in___DnsQuerySrvImpDataInSrvsLength( query.get() ), row.expected );
     }
 }
 

@@ -172,7 +172,15 @@ TEST( InDnsDataInSrv, DrawsByRunningTotal )
     } const rows[] = { { { 1, 1 }, { 0, 0, 1 } }, { { 3 }, { 0, 0, 0, 0 } }, { { 1, 3, 1 }, { 0, 0, 1, 1, 1, 2 } } };
     for ( const auto &row : rows )
         for ( size_t drawn = 0; drawn < row.indexes.size(); ++drawn )
-            EXPECT_EQ( in::dns::weightedIndex( row.weights, static_cast<pbInt>( drawn ) ), row.indexes[drawn] );
+            EXPECT_EQ( in::dns::RunningTotals( row.weights ).firstToReach( static_cast<pbInt>( drawn ) ),
+                       row.indexes[drawn] );
+    // What was taken is passed over: of 1 2 3 4 5 only 1, 3 and 4 are left.
+    in::dns::RunningTotals totals( { 1, 2, 3, 4, 5 } );
+    totals.subtract( 1, 2 );
+    totals.subtract( 4, 5 );
+    const std::vector<size_t> expected = { 0, 0, 2, 2, 2, 3, 3, 3, 3 };
+    for ( size_t drawn = 0; drawn < expected.size(); ++drawn )
+        EXPECT_EQ( totals.firstToReach( static_cast<pbInt>( drawn ) ), expected[drawn] ) << drawn;
 }
 
 TEST( InDnsDataInSrv, VectorIsTriedByPriorityAndWeightlessLast )

@@ -13,9 +13,10 @@ std::strong_ordering inDnsDataInSrv::operator<=>( const inDnsDataInSrv &other ) 
            std::tie( priority, other.weight, other.target, other.port );
 }
 
+// A target that no one can ask for anyway is not shown whole: an answer may hold thousands.
 pb::String inDnsDataInSrv::toString() const
 {
-    return pb::format( "%i %i %i %s", priority, weight, port, target.text() );
+    return pb::format( "%i %i %i %s", priority, weight, port, target.shownText() );
 }
 
 PB_OBJECT_DEFINE( inDnsDataInSrv, in___sort_IN_DNS_DATA_IN_SRV )

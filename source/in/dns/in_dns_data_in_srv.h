@@ -17,6 +17,8 @@ IN_API struct inDnsDataInSrv *inDnsDataInSrvRetain( const struct inDnsDataInSrv 
 IN_API void inDnsDataInSrvRelease( const struct inDnsDataInSrv *obj );
 IN_API struct pbObj *inDnsDataInSrvObj( const struct inDnsDataInSrv *obj );
 IN_API struct inDnsDataInSrv *inDnsDataInSrvFrom( struct pbObj *obj );
+// "priority weight port target". Of a target of more than 1024 code points, which came with a message and which no
+// resolver can ask for, the first 1024.
 IN_API struct pbString *inDnsDataInSrvToString( const struct inDnsDataInSrv *obj );
 IN_API pbInt inDnsDataInSrvCompare( const struct inDnsDataInSrv *a, const struct inDnsDataInSrv *b );
 IN_API pbBool inDnsDataInSrvEquals( const struct inDnsDataInSrv *a, const struct inDnsDataInSrv *b );

@@ -22,8 +22,17 @@ struct inDnsDataInSrv final : pb::Object<struct inDnsDataInSrv, in___sort_IN_DNS
 
 namespace in::dns {
 
-// The first of the weights with which the running total reaches the number drawn, 0..sum of the weights.
-size_t weightedIndex( const std::vector<pbInt> &weights, pbInt drawn );
+// The running totals of weights, each above 0, some of which are taken away.
+class RunningTotals {
+  public:
+    explicit RunningTotals( const std::vector<pbInt> &weights );
+    // The first of the weights that are left with which the running total reaches the number drawn, 0..their sum.
+    size_t firstToReach( pbInt drawn ) const;
+    void subtract( size_t index, pbInt weight );
+
+  private:
+    std::vector<pbInt> nodes_;
+};
 
 } // namespace in::dns
 

@@ -4,6 +4,8 @@
 #include "pb/pb_random.h"
 #include "pb/pb_vector.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <map>
 
 namespace {
@@ -30,36 +32,55 @@ struct Group {
     void drainTo( struct pbVector *ordered );
 };
 
-// Moves the record at the index to the end of the result; those behind it keep their order.
-void take( std::vector<Srv> &from, size_t index, struct pbVector *ordered )
+void append( struct pbVector *ordered, Srv &srv )
 {
-    const auto taken = from.begin() + static_cast<ptrdiff_t>( index );
-    pb___VectorAppendAdopted( ordered, inDnsDataInSrvObj( taken->release() ) );
-    from.erase( taken );
+    pb___VectorAppendAdopted( ordered, inDnsDataInSrvObj( srv.release() ) );
 }
 
 void Group::drainTo( struct pbVector *ordered )
 {
-    while ( !weighted.empty() ) {
-        const size_t index = in::dns::weightedIndex( weights, pbRandomNonNegativeIntRange( 0, sum ) );
+    in::dns::RunningTotals totals( weights );
+    for ( size_t left = weighted.size(); left; --left ) {
+        const size_t index = totals.firstToReach( pbRandomNonNegativeIntRange( 0, sum ) );
+        totals.subtract( index, weights[index] );
         sum -= weights[index];
-        weights.erase( weights.begin() + static_cast<ptrdiff_t>( index ) );
-        take( weighted, index, ordered );
+        append( ordered, weighted[index] );
     }
-    while ( !weightless.empty() ) {
+    for ( ; !weightless.empty(); weightless.pop_back() ) {
         const auto last = static_cast<pbInt>( weightless.size() ) - 1;
-        take( weightless, static_cast<size_t>( pbRandomNonNegativeIntRange( 0, last ) ), ordered );
+        std::swap( weightless[static_cast<size_t>( pbRandomNonNegativeIntRange( 0, last ) )], weightless.back() );
+        append( ordered, weightless.back() );
     }
 }
 
 } // namespace
 
-size_t in::dns::weightedIndex( const std::vector<pbInt> &weights, pbInt drawn )
+// A Fenwick tree: the node at a position holds the sum of as many weights up to it as its lowest bit says.
+in::dns::RunningTotals::RunningTotals( const std::vector<pbInt> &weights ) : nodes_( weights.size() + 1 )
 {
-    size_t index = 0;
-    for ( pbInt total = weights[0]; total < drawn; total += weights[index] )
-        ++index;
-    return index;
+    for ( size_t position = 1; position < nodes_.size(); ++position ) {
+        nodes_[position] += weights[position - 1];
+        if ( const size_t parent = position + ( position & -position ); parent < nodes_.size() )
+            nodes_[parent] += nodes_[position];
+    }
+}
+
+size_t in::dns::RunningTotals::firstToReach( pbInt drawn ) const
+{
+    drawn = std::max( drawn, PB_INT_FROM( 1 ) ); // every record that is left reaches 0
+    size_t before = 0;                           // so many do not reach it
+    for ( size_t step = std::bit_floor( nodes_.size() ); step; step /= 2 )
+        if ( before + step < nodes_.size() && nodes_[before + step] < drawn ) {
+            before += step;
+            drawn -= nodes_[before];
+        }
+    return before;
+}
+
+void in::dns::RunningTotals::subtract( size_t index, pbInt weight )
+{
+    for ( size_t position = index + 1; position < nodes_.size(); position += position & -position )
+        nodes_[position] -= weight;
 }
 
 struct pbVector *inDnsDataInSrvVectorOrder( const struct pbVector *vec )

@@ -1,29 +1,22 @@
 // Domain names longer than any that DNS allows.
 #include "in/dns/in_dns_name.hpp"
 
-#include "in/dns/in_dns_label.hpp"
+#include <tuple>
 
 PB_SORT_DECLARE( in___sort_IN___DNS_LONG_NAME )
 
 namespace {
 
-constexpr unsigned pointerBits = 0xC0;
-
 struct in___DnsLongName final : pb::Object<struct in___DnsLongName, in___sort_IN___DNS_LONG_NAME> {
-    pb::Ref<struct pbBuffer> message;
-    size_t offset = 0;
+    pb::Ref<in::dns::MessageNames> names;
+    in::dns::MessageNames::Index suffix = in::dns::MessageNames::root;
 
-    pb::String toString() const;
+    pb::String toString() const { return names->text( suffix ); }
 };
 
-void append( std::u32string &text, const uint8_t *label, size_t length, const uint8_t *endOfMessage )
+const in___DnsLongName &asLong( const struct pbObj *held )
 {
-    if ( !text.empty() )
-        text.push_back( U'.' );
-    if ( in::dns::isPlainLabel( label, length, endOfMessage ) )
-        text.append( label, label + length );
-    else
-        text.append( pb::view( in::dns::readLabel( label, length )->text.get() ) );
+    return *static_cast<const in___DnsLongName *>( held );
 }
 
 } // namespace
@@ -31,30 +24,13 @@ void append( std::u32string &text, const uint8_t *label, size_t length, const ui
 constinit const struct pbSort in___sort_IN___DNS_LONG_NAME =
     pb::detail::makeSort<struct in___DnsLongName>( "IN___DNS_LONG_NAME" );
 
-// What the decoder accepted is only followed: every pointer leads to an offset that was read before it.
-pb::String in___DnsLongName::toString() const
-{
-    const uint8_t *const bytes = pbBufferBacking( message.get() );
-    const uint8_t *const end = bytes + pbBufferLength( message.get() );
-    std::u32string text;
-    for ( const uint8_t *position = bytes + offset; *position; )
-        if ( *position >= pointerBits )
-            position = bytes + ( ( position[0] & ~pointerBits ) << 8 | position[1] );
-        else {
-            append( text, position + 1, *position, end );
-            position += 1 + *position;
-        }
-    return pb::adopt(
-        pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text.data() ), static_cast<pbInt>( text.size() ) ) );
-}
-
 namespace in::dns {
 
-Name Name::inMessage( const struct pbBuffer *message, size_t offset )
+Name Name::inMessage( pb::Ref<MessageNames> names, MessageNames::Index suffix )
 {
     auto longName = pb::make<struct in___DnsLongName>();
-    longName->message = pb::share( message );
-    longName->offset = offset;
+    longName->names = std::move( names );
+    longName->suffix = suffix;
     Name name;
     name.held_ = pb::adopt( static_cast<struct pbObj *>( longName.release() ) );
     return name;
@@ -62,9 +38,45 @@ Name Name::inMessage( const struct pbBuffer *message, size_t offset )
 
 pb::String Name::text() const
 {
-    if ( !held_ || held_->sort == pbStringSort() )
+    if ( !isLong() )
         return pb::share( pbStringFrom( held_.get() ) );
     return pb::adopt( pbObjToString( held_.get() ) );
+}
+
+pb::String Name::shownText() const
+{
+    return isLong() ? asLong( held_.get() ).names->text( asLong( held_.get() ).suffix, longestText ) : text();
+}
+
+size_t Name::length() const
+{
+    if ( isLong() )
+        return asLong( held_.get() ).names->at( asLong( held_.get() ).suffix ).length;
+    return held_ ? pb::view( pbStringFrom( held_.get() ) ).size() : 0;
+}
+
+std::strong_ordering Name::compareLong( const Name &a, const Name &b )
+{
+    const auto &left = asLong( a.held_.get() ), &right = asLong( b.held_.get() );
+    return MessageNames::compare( *left.names, left.suffix, *right.names, right.suffix );
+}
+
+std::strong_ordering operator<=>( const Name &a, const Name &b )
+{
+    return a.isLong() && b.isLong() ? Name::compareLong( a, b ) : a.text() <=> b.text();
+}
+
+Name::Rank::Rank( const Name &name, uint64_t seed )
+    : name_( name ), length_( name.length() ),
+      hash_( name.isLong() ? asLong( name.held_.get() ).names->hash( asLong( name.held_.get() ).suffix, seed ) : 0 )
+{
+}
+
+std::weak_ordering Name::Rank::operator<=>( const Rank &other ) const
+{
+    if ( !name_.isLong() && !other.name_.isLong() )
+        return name_ <=> other.name_;
+    return std::tie( length_, hash_ ) <=> std::tie( other.length_, other.hash_ );
 }
 
 } // namespace in::dns

@@ -20,6 +20,14 @@ NameTable::NameTable( const struct pbBuffer *message )
     std::fill_n( at_, std::min( static_cast<size_t>( end_ - bytes_ ), pointable ), uint16_t( none ) );
 }
 
+NameTable::~NameTable()
+{
+    if ( !longNames_ )
+        return;
+    longNames_->suffixes.assign( suffixes_.begin(), suffixes_.end() );
+    longNames_->texts = std::move( texts_ );
+}
+
 bool NameTable::tryRead( pb::ByteReader &reader, Name &name )
 {
     const size_t first = suffixes_.size();
@@ -111,10 +119,19 @@ void NameTable::assign( Name &name, Index index )
         return;
     }
     if ( suffix.length > Name::longestText )
-        name = Name::inMessage( message_, suffix.offset );
+        name = longName( index );
     else
         name = suffix.ascii ? asciiText( suffix ) : text( suffix );
     suffix.name = &name;
+}
+
+Name NameTable::longName( Index index )
+{
+    if ( !longNames_ ) {
+        longNames_ = pb::make<MessageNames>();
+        longNames_->message = pb::share( message_ );
+    }
+    return Name::inMessage( longNames_, index );
 }
 
 pb::String NameTable::asciiText( const Suffix &suffix ) const

@@ -18,27 +18,21 @@ namespace in::dns {
 class NameTable {
   public:
     explicit NameTable( const struct pbBuffer *message );
+    ~NameTable();
     NameTable( const NameTable & ) = delete;
     NameTable &operator=( const NameTable & ) = delete;
 
     // Reads a name into a place that must outlive the table; an absent name is the root. False when it is malformed or
-    // no valid domain name: nothing more must be read then.
+    // no valid domain name: nothing more must be read then. A name that is not kept as text must not be looked at before
+    // the table has gone.
     bool tryRead( pb::ByteReader &reader, Name &name );
 
   private:
-    using Index = uint32_t;
-    static constexpr Index none = 0; // no suffix starts there
-    static constexpr Index root = 1;
-    static constexpr Index firstSuffix = 2;
-
-    struct Suffix {
-        uint32_t offset;  // of the length byte of the first label
-        uint32_t length;  // of the text
-        Index rest;       // behind the first label
-        uint32_t text;    // of the first label: its place in texts_, counted from 1; 0 when the bytes are it
-        const Name *name; // the first place that holds it, or null
-        bool ascii;       // the whole text
-    };
+    using Index = MessageNames::Index;
+    using Suffix = MessageNames::Suffix;
+    static constexpr Index none = MessageNames::none; // no suffix starts there
+    static constexpr Index root = MessageNames::root;
+    static constexpr Index firstSuffix = MessageNames::firstSuffix;
 
     static constexpr size_t pointable = 0x4000; // offsets that a pointer of 14 bits reaches
     static constexpr size_t usual = 48;         // suffixes in a message; more take memory from the heap
@@ -54,6 +48,7 @@ class NameTable {
     Index complete( size_t first, Index rest, uint32_t endOffset );
     void remember( uint32_t offset, Index suffix );
     void assign( Name &name, Index index );
+    Name longName( Index index );
     pb::String asciiText( const Suffix &suffix ) const;
     pb::String text( const Suffix &suffix ) const;
 
@@ -68,6 +63,7 @@ class NameTable {
     std::pmr::monotonic_buffer_resource memory_{ room_.data(), room_.size() };
     std::pmr::vector<Suffix> suffixes_{ &memory_ };
     std::vector<pb::String> texts_;
+    pb::Ref<MessageNames> longNames_; // null while there is none; they get the suffixes in the end
     uint16_t at_[pointable]; // the suffix that starts at an offset of the message; only as many as it has bytes
 };
 

@@ -1,6 +1,6 @@
 // Look-ups through the system's resolver.
 #include "in/base/in_address.h"
-#include "in/dns/in_dns_data_in_srv.h"
+#include "in/dns/in_dns_data_in_srv.hpp"
 #include "in/dns/in_dns_idna.h"
 #include "in/dns/in_dns_message.h"
 #include "in/dns/in_dns_message_decode.h"
@@ -13,6 +13,7 @@
 #include "in/imp/in_imp_sockaddr_unix_internal.h"
 #include "pb/pb_buffer.h"
 #include "pb/pb_dict.h"
+#include "pb/pb_random.h"
 #include "pb/pb_string.hpp"
 #include "pb/pb_vector.h"
 #include "tr/tr.hpp"
@@ -24,6 +25,8 @@
 #include <memory>
 #include <netdb.h>
 #include <resolv.h>
+#include <tuple>
+#include <vector>
 
 namespace {
 
@@ -142,6 +145,22 @@ pb::Ref<struct pbBuffer> ask( const Trace &trace, const char *nodename )
         pbBufferCreateFromBytes( pbBufferBacking( answer.get() ), std::min( answerLength, answerSize ) ) );
 }
 
+// Ordered as SRV data are, but for long targets.
+struct RankedSrv {
+    pb::Ref<struct inDnsDataInSrv> srv;
+    in::dns::Name::Rank target;
+
+    RankedSrv( pb::Ref<struct inDnsDataInSrv> data, uint64_t seed )
+        : srv( std::move( data ) ), target( srv->target, seed )
+    {
+    }
+    std::weak_ordering operator<=>( const RankedSrv &other ) const
+    {
+        return std::tie( other.srv->priority, srv->weight, target, srv->port ) <=>
+               std::tie( srv->priority, other.srv->weight, other.target, other.srv->port );
+    }
+};
+
 Vector findSrv( const Trace &trace, const struct pbString *name )
 {
     trace.text( "service: %s", name );
@@ -156,17 +175,38 @@ Vector findSrv( const Trace &trace, const struct pbString *name )
     if ( !msg )
         return trace.failure( "inDnsMessageTryDecode(): null" );
 
-    auto found = pb::adopt( pbDictCreate() ); // each of several equal records once
-    for ( pbInt i = 0; i < inDnsMessageAnswerLength( msg.get() ); ++i ) {
-        const auto record = pb::adopt( inDnsMessageAnswerResourceRecordAt( msg.get(), i ) );
-        if ( const auto srv = pb::adopt( inDnsResourceRecordInSrv( record.get() ) ) )
-            pbDictSetObjKey( found.address(), inDnsDataInSrvObj( srv.get() ), inDnsDataInSrvObj( srv.get() ) );
-    }
-    const auto keys = pb::adopt( pbDictKeysVector( found.get() ) );
-    return trace.result( pb::adopt( inDnsDataInSrvVectorOrder( keys.get() ) ) );
+    return trace.result( pb::adopt( in___ImpDnsServiceData( msg.get() ) ) );
 }
 
 } // namespace
+
+// Not through a dictionary, which would look into long targets at each comparison.
+struct pbVector *in___ImpDnsServiceData( const struct inDnsMessage *msg )
+{
+    std::vector<RankedSrv> found;
+    const auto seed = static_cast<uint64_t>( pbRandomNonNegativeIntRange( 0, PB_INT_MAX ) );
+    for ( pbInt i = 0; i < inDnsMessageAnswerLength( msg ); ++i ) {
+        const auto record = pb::adopt( inDnsMessageAnswerResourceRecordAt( msg, i ) );
+        if ( auto srv = pb::adopt( inDnsResourceRecordInSrv( record.get() ) ) )
+            found.emplace_back( std::move( srv ), seed );
+    }
+    std::vector<const RankedSrv *> sorted;
+    for ( const RankedSrv &srv : found )
+        sorted.push_back( &srv );
+    std::sort( sorted.begin(), sorted.end(), []( auto *a, auto *b ) { return ( *a <=> *b ) < 0; } );
+
+    auto data = pb::adopt( pbVectorCreate() );
+    std::vector<const RankedSrv *> alike; // different ones of the same rank: one but for an accident of the hash
+    for ( const RankedSrv *next : sorted ) {
+        if ( !alike.empty() && ( *alike[0] <=> *next ) != 0 )
+            alike.clear();
+        if ( std::any_of( alike.begin(), alike.end(), [=]( auto *seen ) { return *seen->srv == *next->srv; } ) )
+            continue;
+        alike.push_back( next );
+        pbVectorAppend( data.address(), inDnsDataInSrvObj( next->srv.get() ) );
+    }
+    return inDnsDataInSrvVectorOrder( data.get() );
+}
 
 void in___ImpDnsDoQueryAddresses( struct in___DnsQueryAddressesImp *query )
 {
