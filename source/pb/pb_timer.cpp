@@ -95,6 +95,7 @@ public:
         pbThreadJoin( ending.get() );
         const pb::Guard guard( monitor_ );
         stopping_ = false;
+        changed_.wakeAll();
     }
 
 private:
@@ -118,10 +119,13 @@ private:
         return static_cast<bool>( thread_ );
     }
 
-    // The thread that is going to end, or null.
+    // The thread that is going to end, to be joined by the caller. Null when there is none; one that somebody else joins
+    // has ended then.
     pb::Ref<struct pbThread> stop()
     {
         const pb::Guard guard( monitor_ );
+        while ( stopping_ )
+            changed_.wait( monitor_ );
         stopping_ = static_cast<bool>( thread_ );
         changed_.wakeAll();
         settled_.wakeAll();

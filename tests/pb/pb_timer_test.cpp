@@ -2,6 +2,7 @@
 #include "pb/pb_timer.h"
 #include "pb/pb_barrier.h"
 #include "pb/pb_time.h"
+#include "support/asleep.hpp"
 #include "support/death_table.hpp"
 #include "support/target.hpp"
 
@@ -88,6 +89,23 @@ TEST_F( TimerTest, ClockRunsOnFromWhereItWasDrivenAndTimersSurviveTheThread )
         pbBarrierPass( barrier.get() );
         EXPECT_FALSE( pbTimerScheduled( real.get() ) );
         pbBarrierBlock( barrier.get() );
+    }
+}
+
+// As hosts of modules do that end while another one ends.
+TEST_F( TimerTest, ShutDownTwiceAtOnceEndsTheThreadOnce )
+{
+    for ( int round = 0; round < 3; ++round ) { // started again each time
+        const auto signalled = pb::adopt( pbBarrierCreate( 1 ) ), goOn = pb::adopt( pbBarrierCreate( 1 ) );
+        const auto target = pb::make<support::Target>( [&] {
+            pbBarrierUnblock( signalled.get() );
+            pbBarrierPass( goOn.get() );
+        } );
+        const auto blocking = pb::adopt( pbTimerCreate( support::signalableOf( target ).get() ) );
+        pbTimerSchedule( blocking.get(), 0 );
+        pbBarrierPass( signalled.get() );
+        const support::SleepingThread first( [] { pb___TimerShutdown(); } ), second( [] { pb___TimerShutdown(); } );
+        pbBarrierUnblock( goOn.get() );
     }
 }
 

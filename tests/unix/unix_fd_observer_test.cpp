@@ -160,6 +160,14 @@ TEST_F( UnixFdObserver, WhatTheSystemRefuses )
     EXPECT_FALSE( unixFdObserverTrySetConditions( observer.get(), closed, readable ) );
     EXPECT_TRUE( unixFdObserverTrySetConditions( observer.get(), closed, 0 ) );
     EXPECT_FALSE( watch( pb::Fd( open( "/proc/self/exe", O_RDONLY | O_CLOEXEC ) ), readable ) ); // a plain file
+    // Closed while it was watched, and its number is a plain file's by now: the others are watched as before.
+    const Pair closedEarly;
+    ASSERT_TRUE( watch( closedEarly.own, readable ) && watch( pair.own, readable ) );
+    const pb::Fd file( open( "/proc/self/exe", O_RDONLY | O_CLOEXEC ) );
+    ASSERT_EQ( dup3( file.get(), closedEarly.own.get(), O_CLOEXEC ), closedEarly.own.get() );
+    EXPECT_TRUE( watch( closedEarly.own, 0 ) );
+    pair.peerWrites();
+    EXPECT_EQ( wait(), Report( pair.own.get(), readable ) );
     EXPECT_FALSE( unixFdObserverError( observer.get() ) );
 
     // No descriptor left at any step of the creation.
