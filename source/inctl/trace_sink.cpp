@@ -41,7 +41,8 @@ std::string jsonLine( const struct trEvent &event )
     Record record;
     record.set( "time", timeText( event.time ) ).set( "event", kindNames[event.kind] ).set( "stream", event.stream );
     const std::pair<const char *, const struct pbString *> texts[] = {
-        { "name", event.name }, { "text", event.text }, { "key", event.key }, { "value", event.value } };
+        { "name", event.name }, { "text", event.text }, { "key", event.key }, { "value", event.value },
+        { "payloadType", event.payloadType } };
     for ( const auto &[key, text] : texts )
         if ( text )
             record.set( key, pb::share( text ) );

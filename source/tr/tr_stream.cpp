@@ -230,7 +230,12 @@ void trStreamMessageFormatCstr( struct trStream *stream, const struct pbBuffer *
     if ( !tr::listening() )
         return;
     const pb::String text = pb::adopt( pbStringCreateFromFormatCstr( format, formatLength, arguments, argumentCount ) );
-    stream->emit( { .kind = TR_EVENT_MESSAGE, .text = text.get(), .payload = payload } );
+    pb::String type;
+    {
+        pb::Guard guard( stream->monitor );
+        type = stream->payloadType;
+    }
+    stream->emit( { .kind = TR_EVENT_MESSAGE, .text = text.get(), .payload = payload, .payloadType = type.get() } );
 }
 
 } // extern "C"

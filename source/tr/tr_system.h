@@ -31,6 +31,7 @@ struct trEvent {
     const struct pbString *value;
     const struct pbStore *store;
     const struct pbBuffer *payload;
+    const struct pbString *payloadType; // of the stream, such as "PB_BUFFER"; null where it has none
     pbInt anchorKind;
     pbInt other;         // identifier of the linked stream
 };

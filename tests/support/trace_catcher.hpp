@@ -28,6 +28,7 @@ public:
         pb::Ref<struct pbBuffer> payload;
         pbInt anchorKind;
         pbInt other;
+        std::optional<std::string> payloadType;
     };
     struct Link {
         std::string from, to; // "to" is empty when that stream traced nothing while the catcher lived
@@ -120,7 +121,8 @@ private:
         std::lock_guard lock( mutex_ );
         events_.push_back( { event.kind, event.time, event.stream, pb::utf8( event.name ), copy( event.text ),
                              copy( event.key ), copy( event.value ), pb::share( event.store ),
-                             pb::share( event.payload ), event.anchorKind, event.other } );
+                             pb::share( event.payload ), event.anchorKind, event.other,
+                             copy( event.payloadType ) } );
         names_[event.stream] = events_.back().name;
     }
 

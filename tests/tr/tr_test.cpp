@@ -26,6 +26,7 @@ TEST( TrStream, TextsReachTheListenerInOrderAndOnlyWhileItIsThere )
         tr::text( stack.get(), "[first()] port: %i up: %b name: %~s", 5060, true, pb::string( "a" ) );
         trStreamTextCstr( other.get(), "[other()]xyz", 9 );
         const pb::Ref<struct pbBuffer> payload = pb::adopt( pbBufferCreateFromBytes( "abc", 3 ) );
+        trStreamSetPayloadTypeCstr( stack.get(), "PB_BUFFERS", 9 );
         tr::message( stack.get(), payload.get(), "[second()] %s", pb::String() );
         EXPECT_THAT( catcher.texts( "STACK" ),
                      ElementsAre( "[first()] port: 5060 up: true name: a", "[second()] null" ) );
@@ -36,6 +37,8 @@ TEST( TrStream, TextsReachTheListenerInOrderAndOnlyWhileItIsThere )
     }
     tr::text( stack.get(), "[after()]" );
     ASSERT_EQ( events.size(), 3u );
+    EXPECT_EQ( events[2].payloadType, "PB_BUFFER" );
+    EXPECT_FALSE( events[0].payloadType );
     EXPECT_LE( events[0].time, events[1].time );
     EXPECT_GT( events[0].time, INT64_C( 1'600'000'000'000'000'000 ) ); // nanoseconds, not a smaller unit
 }
