@@ -1,5 +1,6 @@
 // pbLineSource: lines of a C stream.
 #include "pb/pb_line_source.h"
+#include "pb/pb_buffer.h"
 #include "pb/pb_string.hpp"
 
 #include <cstdio>
@@ -19,6 +20,27 @@ struct pbLineSource final : pb::Object<struct pbLineSource, pb___sort_PB_LINE_SO
 
 PB_OBJECT_DEFINE( pbLineSource, pb___sort_PB_LINE_SOURCE )
 
+namespace {
+
+// The next line without its LF; of negative length where there is none.
+struct Line {
+    char *bytes = nullptr;
+    ssize_t length;
+
+    explicit Line( std::FILE *file )
+    {
+        size_t size = 0;
+        length = getline( &bytes, &size, file );
+        if ( length > 0 && bytes[length - 1] == '\n' )
+            --length;
+    }
+    ~Line() { std::free( bytes ); }
+    Line( const Line & ) = delete;
+    Line &operator=( const Line & ) = delete;
+};
+
+} // namespace
+
 extern "C" {
 
 struct pbLineSource *pbLineSourceTryOpenFileCstr( const char *path )
@@ -31,15 +53,15 @@ struct pbLineSource *pbLineSourceTryOpenFileCstr( const char *path )
 struct pbString *pbLineSourceTryReadLine( struct pbLineSource *source )
 {
     PB_ASSERT( source );
-    char *text = nullptr;
-    size_t size = 0;
-    ssize_t length = getline( &text, &size, source->file.get() );
-    const std::unique_ptr<char, decltype( &std::free )> owner( text, std::free );
-    if ( length < 0 )
-        return nullptr;
-    if ( length > 0 && text[length - 1] == '\n' )
-        --length;
-    return pbStringCreateFromCstr( text, length );
+    const Line line( source->file.get() );
+    return line.length < 0 ? nullptr : pbStringCreateFromCstr( line.bytes, line.length );
+}
+
+struct pbBuffer *pbLineSourceTryReadLineBytes( struct pbLineSource *source )
+{
+    PB_ASSERT( source );
+    const Line line( source->file.get() );
+    return line.length < 0 ? nullptr : pbBufferCreateFromBytes( line.bytes, line.length );
 }
 
 } // extern "C"

@@ -6,6 +6,7 @@
 
 PB_DECLS_BEGIN
 
+struct pbBuffer;
 struct pbLineSource;
 struct pbString;
 
@@ -21,6 +22,8 @@ PB_API pbBool pbLineSourceEquals( const struct pbLineSource *a, const struct pbL
 PB_API struct pbLineSource *pbLineSourceTryOpenFileCstr( const char *path );
 // The next line without its LF, malformed UTF-8 as U+FFFD; null at the end and on a read error.
 PB_API struct pbString *pbLineSourceTryReadLine( struct pbLineSource *source );
+// The same as it stands.
+PB_API struct pbBuffer *pbLineSourceTryReadLineBytes( struct pbLineSource *source );
 
 PB_DECLS_END
 

@@ -131,7 +131,7 @@ TEST( NwInterfaces, NamesOfProcNetDev )
         { "lo: 1\neth0: 2\n", {} }, // the first two lines are headers whatever they say
         { header + "    lo: 1 2 3\n  eth0:99 0\nwlan-x.1: 7", { "eth0", "lo", "wlan-x.1" } },
         { header + "eth0:1: 5 6\nno colon\n\n eth0: 1\neth0: 2\n Eth0 : 1\n", { "Eth0 ", "eth0" } },
-        { header + "\xff\x80: 1\n", { "\xEF\xBF\xBD\xEF\xBF\xBD" } },
+        { header + "\xff\x80: 1\n", { "\\xff\\x80" } },
     };
     for ( const auto &row : rows ) {
         const pb::Fd file( memfd_create( "dev", MFD_CLOEXEC ) );

@@ -91,11 +91,13 @@ TEST( Interfaces, ReadWhatTheHostHas )
     host.run( "ip link add eth0 address 0a:1b:2c:3d:4e:5f type bridge; ip link set eth0 mtu 1400 up;"
               "ip addr add 10.1.0.1/16 dev eth0; ip addr add 10.9.9.9/32 dev eth0;"
               "ip addr add fd00:1::1/64 dev eth0 nodad; ip addr add 10.2.0.1/8 dev eth0 label eth0:1;"
-              "ip link add fifteen-chars-x type bridge" );
+              "ip link add fifteen-chars-x type bridge; odd=$(printf 'a\\377'); ip link add $odd type bridge;"
+              "ip link set $odd up; ip addr add 10.3.0.1/8 dev $odd" );
     host.scenario( [] {
         RunningHost running;
         // An address label makes an interface of its own; some have no address and are found in /proc/net/dev alone.
-        EXPECT_THAT( names( inNwInterfacesVector() ), ElementsAre( "eth0", "eth0:1", "fifteen-chars-x", "lo", "v0" ) );
+        EXPECT_THAT( names( inNwInterfacesVector() ), ElementsAre( "a\\xff", "eth0", "eth0:1", "fifteen-chars-x", "lo", "v0" ) );
+        EXPECT_EQ( describe( makeStack( "a\\xff" ) ), "10.3.0.1 of a\\xff on a\\xff up" ); // a name that is no UTF-8
         EXPECT_EQ(
             stateOf( "eth0" ),
             R"({"end":false,"displayName":"eth0","status":"IN_NW_INTERFACE_STATUS_UP","flags":"",)"

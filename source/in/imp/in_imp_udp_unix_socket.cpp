@@ -3,6 +3,7 @@
 
 #include "in/base/in_address.h"
 #include "in/imp/in_imp_sockaddr_unix_internal.h"
+#include "in/nw/in_nw_interface_name.hpp"
 #include "in/qos/in_qos_options.h"
 #include "in/qos/in_qos_stack.h"
 #include "in/udp/in_udp_address.h"
@@ -56,7 +57,7 @@ unsigned int interfaceIndex( int fd, const struct pbString *optionalName )
 {
     if ( !optionalName )
         return 0;
-    const std::string name = pb::utf8( optionalName );
+    const std::string name = in::interfaceNameOf( optionalName );
     ifreq request{};
     if ( name.size() >= sizeof request.ifr_name || name.find( '\0' ) != name.npos )
         return 0;

@@ -69,7 +69,7 @@ void in___NwInterfaceImpTrySendGratuitousArp( struct in___NwInterfaceImp *imp, c
     const auto frame = in::gratuitousArpFrame( mac.get(), inAddress );
     sockaddr_ll link = {};
     link.sll_family = AF_PACKET;
-    link.sll_ifindex = static_cast<int>( if_nametoindex( imp->name.get() ) );
+    link.sll_ifindex = static_cast<int>( if_nametoindex( imp->name.c_str() ) );
     link.sll_halen = ETH_ALEN;
     if ( link.sll_ifindex == 0 ) {
         traceError( trace, "[in___NwInterfaceImpTrySendGratuitousArp()] if_nametoindex(): %~s" );

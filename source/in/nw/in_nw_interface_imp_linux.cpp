@@ -5,6 +5,7 @@
 #include "in/base/in_network.h"
 #include "in/imp/in_imp_sockaddr_unix_internal.h"
 #include "in/nw/in_nw_address.h"
+#include "in/nw/in_nw_interface_name.hpp"
 #include "in/nw/in_nw_interface_status.h"
 #include "in/nw/in_nw_mac_address.h"
 #include "pb/pb_store.h"
@@ -93,7 +94,7 @@ PB_OBJECT_DEFINE( in___NwInterfaceImp, in___sort_IN___NW_INTERFACE_IMP )
 
 in___NwInterfaceImp::in___NwInterfaceImp( const struct pbString *ident )
     : trace( pb::adopt( trStreamCreateCstr( "IN_NW_INTERFACE", -1 ) ) ), identifier( pb::share( ident ) ),
-      name( pbStringTryConvertToBytesZ( ident ), pbBytesZFree ),
+      name( in::interfaceNameOf( ident ) ),
       controlSocket{}
 {
     trStreamSetPropertyCstrString( trace.get(), "inNwIdentifier", -1, ident );
@@ -161,9 +162,9 @@ void in___NwInterfaceImp::refresh()
 std::optional<ifreq> in___NwInterfaceImp::request() const
 {
     ifreq request = {};
-    if ( !name || strlen( name.get() ) >= sizeof( request.ifr_name ) )
+    if ( name.size() >= sizeof( request.ifr_name ) || name.find( '\0' ) != name.npos )
         return std::nullopt;
-    memcpy( request.ifr_name, name.get(), strlen( name.get() ) );
+    memcpy( request.ifr_name, name.data(), name.size() );
     return request;
 }
 
@@ -171,10 +172,8 @@ State in___NwInterfaceImp::read() const
 {
     State state = pb::adopt( inNwInterfaceStateCreate() );
     inNwInterfaceStateSetDisplayName( state.address(), identifier.get() );
-    if ( name ) {
-        readLink( state );
-        readLayer3( state );
-    }
+    readLink( state );
+    readLayer3( state );
     return state;
 }
 
@@ -197,7 +196,7 @@ void in___NwInterfaceImp::readLayer3( State &state ) const
         return;
     const std::unique_ptr<ifaddrs, void ( * )( ifaddrs * )> owner( list, freeifaddrs );
     for ( const ifaddrs *entry = list; entry; entry = entry->ifa_next )
-        if ( entry->ifa_name && strcmp( entry->ifa_name, name.get() ) == 0 )
+        if ( entry->ifa_name && name == entry->ifa_name )
             addLayer3( *entry, state );
 }
 

@@ -44,8 +44,7 @@ struct in___NwInterfaceImp final : pb::Object<struct in___NwInterfaceImp, in___s
     // Fixed after construction.
     const pb::Ref<struct trStream> trace;
     const pb::String identifier;
-    // The identifier for system calls; null when it has no such form.
-    const std::unique_ptr<char, void ( * )( char * )> name;
+    const std::string name; // for system calls; cut at no NUL, so that one with a NUL in it names no interface
     const ControlSocket controlSocket;
     // Set once, by start.
     pb::Ref<struct prProcess> process;

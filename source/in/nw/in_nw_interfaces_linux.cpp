@@ -1,8 +1,10 @@
 // The registry of the host's interfaces, and the scheduled process that finds new ones and ends those that are gone.
 #include "in/nw/in_nw_interface_imp_linux_internal.h"
 #include "in/nw/in_nw_interface_internal.h"
+#include "in/nw/in_nw_interface_name.hpp"
 #include "in/nw/in_nw_interface_state.h"
 #include "in/nw/in_nw_interfaces_internal.h"
+#include "pb/pb_buffer.h"
 #include "pb/pb_dict.h"
 #include "pb/pb_global.hpp"
 #include "pb/pb_line_source.h"
@@ -14,6 +16,7 @@
 #include "pr/pr_process.h"
 #include "tr/tr.hpp"
 
+#include <algorithm>
 #include <ifaddrs.h>
 #include <memory>
 
@@ -73,7 +76,7 @@ void addNamesWithAddresses( struct pbDict **names )
     const std::unique_ptr<ifaddrs, void ( * )( ifaddrs * )> owner( list, freeifaddrs );
     for ( const ifaddrs *ifaa = list; ifaa; ifaa = ifaa->ifa_next ) {
         PB_ASSERT( ifaa->ifa_name );
-        const pb::String name = pb::string( ifaa->ifa_name );
+        const pb::String name = in::identifierOfInterface( ifaa->ifa_name );
         pbDictSetStringKey( names, name.get(), pbStringObj( name.get() ) );
     }
 }
@@ -195,14 +198,16 @@ void in___NwInterfacesAddNamesFromProcNetDev( struct pbDict **names, const char 
         return;
     constexpr pbInt headerLines = 2;
     pbInt lineNumber = 0;
-    while ( const auto line = pb::adopt( pbLineSourceTryReadLine( source.get() ) ) ) {
+    while ( const auto bytes = pb::adopt( pbLineSourceTryReadLineBytes( source.get() ) ) ) {
         if ( ++lineNumber <= headerLines )
             continue;
-        const auto pieces = pb::adopt( pbStringSplitChar( line.get(), ':', 3 ) );
-        if ( pbVectorLength( pieces.get() ) != 2 ) // three: the alias of an interface
+        std::string_view line( reinterpret_cast<const char *>( pbBufferBacking( bytes.get() ) ),
+                               static_cast<size_t>( pbBufferLength( bytes.get() ) ) );
+        line.remove_prefix( std::min( line.find_first_not_of( " \t" ), line.size() ) );
+        const size_t colon = line.find( ':' );
+        if ( colon == line.npos || line.find( ':', colon + 1 ) != line.npos ) // a second one: the alias of an interface
             continue;
-        auto name = pb::adopt( pbStringFrom( pbVectorObjAt( pieces.get(), 0 ) ) );
-        pbStringTrimLeading( name.address() );
+        const pb::String name = in::identifierOfInterface( line.substr( 0, colon ) );
         pbDictSetStringKey( names, name.get(), pbStringObj( name.get() ) );
     }
 }
