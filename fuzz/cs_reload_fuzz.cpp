@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size )
         const std::string written = pb::utf8( pb::adopt( csJsonFromStore( tree.get(), CS_JSON_PRETTY ) ) );
         const Configuration again = parse( written );
         require( again && pb::adopt( csConfigurationTree( again.get() ) ) == tree );
-        require( cs::storeFromJsonText( cs::patchedJson( textA, tree ) ) == tree );
+        require( cs::storeFromJsonText( cs::editedText( textA, cs::jsonEdits( textA, tree ) ) ) == tree );
     }
     testPhone::events.clear();
     return 0;

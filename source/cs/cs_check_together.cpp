@@ -2,6 +2,7 @@
 #include "cs/cs_config_check_internal.h"
 
 #include "cs/cs_key_internal.h"
+#include "cs/cs_nearest.hpp"
 #include "cs/cs_warnings.h"
 #include "pb/pb_assert.hpp"
 #include "pb/pb_store.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 // The members of the configuration that the warnings are about.
 struct csWarnings {
@@ -41,6 +43,8 @@ public:
     TogetherCheck( const std::vector<CheckedRecord> &records, Problems &problems )
         : records_( records ), problems_( problems )
     {
+        for ( const CheckedRecord &record : records_ )
+            byName_.emplace( record.name, &record ); // of two with one name the first
     }
 
     void checkValues()
@@ -75,20 +79,31 @@ private:
     void checkReference( const CheckedRecord &record, const struct csKey &key, const JsonValue &value,
                          const std::string &path )
     {
-        const auto meant = std::find_if( records_.begin(), records_.end(),
-                                         [&]( const auto &other ) { return other.name == value.text; } );
-        if ( meant != records_.end() && ( !meant->sort || sortName( *meant ) == key.recordSort ) )
+        const auto found = byName_.find( value.text );
+        const CheckedRecord *const meant = found == byName_.end() ? nullptr : found->second;
+        if ( meant && ( !meant->sort || sortName( *meant ) == key.recordSort ) )
             return;
-        std::vector<std::string> names;
-        for ( const CheckedRecord &other : records_ )
-            if ( other.sort && sortName( other ) == key.recordSort )
-                names.push_back( other.name );
-        Finding finding = unknownName( "record", value.text, names );
-        if ( meant != records_.end() )
+        Finding finding{ .what = "unknown record \"" + printable( value.text ) + '"',
+                         .expected = "the name of a record of the sort " + std::string( key.recordSort ) };
+        if ( meant )
             finding.what =
                 "the record \"" + printable( value.text ) + "\" is of the sort " + std::string( sortName( *meant ) );
-        finding.expected = "the name of a record of the sort " + std::string( key.recordSort );
+        finding.nearest = nearestRecord( value.text, key.recordSort );
         problems_.add( value.offset, { record.printableName, printable( path ) }, finding );
+    }
+    // Each comparison of two names costs, and many wrong references may meet many records: the first get a proposal.
+    std::string nearestRecord( const std::string &name, std::string_view sort )
+    {
+        auto &names = namesBySort_[sort];
+        if ( names.empty() )
+            for ( const CheckedRecord &other : records_ )
+                if ( other.sort && sortName( other ) == sort )
+                    names.push_back( other.name );
+        if ( names.size() > comparisonsLeft_ )
+            return "";
+        comparisonsLeft_ -= names.size();
+        const std::vector<std::string> near = nearestNames( name, names );
+        return near.empty() ? "" : near[0];
     }
     void checkUnique( const CheckedRecord &record, const struct csKey &key, const JsonValue &value,
                       const std::string &path )
@@ -115,7 +130,10 @@ private:
 
     const std::vector<CheckedRecord> &records_;
     Problems &problems_;
+    std::unordered_map<std::string_view, const CheckedRecord *> byName_;
     std::map<std::string, const CheckedRecord *> uniques_; // by sort, key and value
+    std::map<std::string_view, std::vector<std::string>> namesBySort_;
+    size_t comparisonsLeft_ = 500'000;
 };
 
 } // namespace

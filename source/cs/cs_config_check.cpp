@@ -80,7 +80,8 @@ private:
         if ( member.duplicate )
             return tell( member.keyOffset, { "the key stands twice", "once" } );
         if ( !siblings.empty() && !optionalKey )
-            return tell( member.keyOffset, unknownName( "key", member.key, keyNames( siblings ) ) );
+            return tell( member.keyOffset,
+                         problems_.full() ? Finding() : unknownName( "key", member.key, keyNames( siblings ) ) );
         if ( !value.complete && !value.isContainer() )
             return; // the text ends before the value, which the reader has told
         if ( value.kind == JsonValue::Kind::Null )

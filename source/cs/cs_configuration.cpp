@@ -2,6 +2,7 @@
 #include "cs/cs_configuration.h"
 
 #include "cs/cs_configuration_imp_internal.h"
+#include "cs/cs_diagnosis_internal.h"
 #include "cs/cs_sort_backend_internal.h"
 #include "cs/cs_text_file_internal.h"
 #include "pb/pb_vector.h"
@@ -10,27 +11,34 @@
 
 namespace {
 
+using Tell = pb::Ref<struct pbVector>( const cs::Problems &problems, const std::string &file, std::string_view bytes );
+
+pb::Ref<struct pbVector> messages( const cs::Problems &problems, const std::string &file, std::string_view bytes )
+{
+    return problems.messages( file, bytes );
+}
+
 // Null and the problems, or what the text says and no problems.
-std::optional<cs::Loaded> parse( std::string text, const struct pbString *name, const std::string &path,
-                                 struct pbVector **messages )
+std::optional<cs::Loaded> parse( std::string text, const struct pbString *name, const std::string &path, Tell tell,
+                                 struct pbVector **told )
 {
     cs::Problems problems;
     cs::ParsedConfiguration parsed = cs::parseConfiguration( text, problems );
-    cs::setVector( messages, problems.messages( pb::utf8( name ), text ) );
+    cs::setVector( told, tell( problems, pb::utf8( name ), text ) );
     if ( !problems.empty() )
         return std::nullopt;
     return cs::loadedFrom( std::move( parsed ), path, std::move( text ) );
 }
 
-std::optional<cs::Loaded> load( const struct pbString *path, struct pbVector **messages )
+std::optional<cs::Loaded> load( const struct pbString *path, Tell tell, struct pbVector **told )
 {
     std::string text;
-    const std::string reason = cs::readTextFile( path, text );
-    if ( reason.empty() )
-        return parse( std::move( text ), path, pb::utf8( path ), messages );
-    cs::Problems unreadable;
-    unreadable.add( 0, {}, cs::unreadableFile( reason ) );
-    cs::setVector( messages, unreadable.messages( pb::utf8( path ), "" ) );
+    const cs::Unreadable unreadable = cs::readTextFile( path, text );
+    if ( unreadable.reason.empty() )
+        return parse( std::move( text ), path, pb::utf8( path ), tell, told );
+    cs::Problems problems;
+    problems.add( 0, {}, cs::unreadableFile( unreadable ) );
+    cs::setVector( told, tell( problems, pb::utf8( path ), "" ) );
     return std::nullopt;
 }
 
@@ -52,7 +60,15 @@ extern "C" struct csConfiguration *csConfigurationTryLoad( const struct pbString
 {
     PB_ASSERT( path );
     PB_ASSERT( problems );
-    return made( load( path, problems ) );
+    return made( load( path, messages, problems ) );
+}
+
+extern "C" struct csConfiguration *csConfigurationTryLoadDiagnosed( const struct pbString *path,
+                                                                    struct pbVector **diagnoses )
+{
+    PB_ASSERT( path );
+    PB_ASSERT( diagnoses );
+    return made( load( path, cs::diagnosesOf, diagnoses ) );
 }
 
 extern "C" struct csConfiguration *csConfigurationTryParse( const void *bytes, pbInt byteCount,
@@ -63,7 +79,7 @@ extern "C" struct csConfiguration *csConfigurationTryParse( const void *bytes, p
     PB_ASSERT( name );
     PB_ASSERT( problems );
     const std::string_view text( static_cast<const char *>( bytes ), static_cast<size_t>( byteCount ) );
-    return made( parse( std::string( text ), name, "", problems ) );
+    return made( parse( std::string( text ), name, "", messages, problems ) );
 }
 
 extern "C" void csConfigurationStart( struct csConfiguration *configuration )
@@ -93,7 +109,7 @@ extern "C" pbBool csConfigurationTryReload( struct csConfiguration *configuratio
     PB_ASSERT( path );
     PB_ASSERT( problems );
     const cs::TurnTaken taken( configuration->turn ); // read under it: what was read last is applied last
-    const std::optional<cs::Loaded> next = load( path, problems );
+    const std::optional<cs::Loaded> next = load( path, messages, problems );
     if ( next )
         configuration->applyNow( *next, optionalChanges );
     return next.has_value();

@@ -40,6 +40,9 @@ PB_API pbBool csConfigurationEquals( const struct csConfiguration *a, const stru
 // Limits: 16 MiB, nesting of 64, 100,000 values, 1,000 problems told.
 // Needs the module backends of the sorts that the file names: their own normalisation says which values are dropped.
 PB_API struct csConfiguration *csConfigurationTryLoad( const struct pbString *path, struct pbVector **problems );
+// The same, with the problems as csDiagnoses (cs_diagnosis.h).
+PB_API struct csConfiguration *csConfigurationTryLoadDiagnosed( const struct pbString *path,
+                                                                struct pbVector **diagnoses );
 // The same from memory; name stands for the file in messages.
 PB_API struct csConfiguration *csConfigurationTryParse( const void *bytes, pbInt byteCount, const struct pbString *name,
                                                         struct pbVector **problems );
@@ -76,8 +79,8 @@ PB_API struct pbStore *csConfigurationTree( struct csConfiguration *configuratio
 // (".NAME.cs-save-XXXXXX"; leftovers of killed processes are swept up by the next save), synced and renamed. A symbolic
 // link is followed; owner and mode of the old file are kept, a new one is for its owner alone. Nothing is written when
 // no record and no version differ from what the file holds. The file that the configuration was loaded from is
-// somebody's text: only the values that differ are replaced in it, comments, order and layout stay (a value that loses
-// a key is rewritten whole, with the comments inside it). It gets the version of each module, and their information
+// somebody's text: only the values that differ are replaced in it, comments, order and layout stay (an array that
+// changes is rewritten whole, with the comments inside it). It gets the version of each module, and their information
 // only where it has one already. When the file no longer is what was loaded or saved last, nothing is written: somebody
 // edits it, and a re-load comes first. Any other file is replaced. False when it could not be saved: *problem is then
 // "PATH: what went wrong" for a person, and the old file is whole.

@@ -2,7 +2,7 @@
 #include "cs/cs_config_check_internal.h"
 #include "cs/cs_configuration_internal.h"
 #include "cs/cs_key_internal.h"
-#include "cs/cs_migration_internal.h"
+#include "cs/cs_migrate_tree_internal.h"
 #include "cs/cs_update_internal.h"
 #include "pb/pb_module_version.h"
 
@@ -102,7 +102,9 @@ private:
         }
         std::shared_ptr<Sort> sort = Registry::instance().sortNamed( value.text );
         if ( !sort )
-            problems_.add( value.offset, subject, unknownName( "sort", value.text, Registry::instance().sortNames() ) );
+            problems_.add( value.offset, subject,
+                           problems_.full() ? Finding()
+                                            : unknownName( "sort", value.text, Registry::instance().sortNames() ) );
         return sort;
     }
     static std::string expectedSort()
@@ -116,7 +118,8 @@ private:
     bool isKnownOnce( const JsonMember &member, const Subject &subject, const std::vector<std::string> &known )
     {
         if ( std::find( known.begin(), known.end(), member.key ) == known.end() ) {
-            problems_.add( member.keyOffset, subject, unknownName( "key", member.key, known ) );
+            problems_.add( member.keyOffset, subject,
+                           problems_.full() ? Finding() : unknownName( "key", member.key, known ) );
             return false;
         }
         if ( member.duplicate )

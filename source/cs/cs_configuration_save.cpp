@@ -177,9 +177,9 @@ struct Text {
 Text editedText( const cs::Source &source, const Store &objects, const Store &modules )
 {
     std::string now;
-    const std::string reason = cs::readTextFile( pb::string( source.path ).get(), now );
-    if ( !reason.empty() )
-        return { .problem = "not saved: it cannot be read (" + reason + ")" };
+    const cs::Unreadable unreadable = cs::readTextFile( pb::string( source.path ).get(), now );
+    if ( !unreadable.reason.empty() )
+        return { .problem = "not saved: it cannot be read (" + unreadable.reason + ")" };
     if ( now != source.text )
         return { .problem = "not saved: it was changed since it was read, and is to be loaded again first" };
     const Store stands = cs::storeFromJsonText( source.text );
@@ -187,15 +187,13 @@ Text editedText( const cs::Source &source, const Store &objects, const Store &mo
     if ( cs::storeOrEmpty( stands, cs::TreeObjects ) == objects && !isBehind( standingModules, modules ) )
         return {};
     const Store tree = treeOf( objects, withInfos( modules, Infos::WhereOneStands, standingModules ) );
-    std::string edited = cs::patchedJson( source.text, tree );
-    // What replaces a person's text is looked at twice.
-    return { .text = cs::storeFromJsonText( edited ) == tree ? std::move( edited ) : wholeText( tree ) };
+    return { .text = cs::editedText( source.text, cs::jsonEdits( source.text, tree ) ) };
 }
 
 Text otherText( const struct pbString *path, const Store &objects, const Store &modules )
 {
     std::string now;
-    const Store stands = cs::readTextFile( path, now ).empty() ? cs::storeFromJsonText( now ) : Store();
+    const Store stands = cs::readTextFile( path, now ).reason.empty() ? cs::storeFromJsonText( now ) : Store();
     const Store recorded = stands ? cs::storeOrEmpty( stands, cs::TreeModules ) : Store();
     if ( stands && cs::storeOrEmpty( stands, cs::TreeObjects ) == objects &&
          withInfos( recorded, Infos::None, recorded ) == withInfos( modules, Infos::None, recorded ) )

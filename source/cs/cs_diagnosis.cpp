@@ -2,6 +2,7 @@
 #include "cs/cs_diagnosis.h"
 
 #include "cs/cs_configuration_internal.h"
+#include "cs/cs_diagnosis_internal.h"
 #include "cs/cs_text_file_internal.h"
 #include "pb/pb_assert.hpp"
 #include "pb/pb_store.h"
@@ -25,23 +26,27 @@ struct csDiagnosis final : pb::Object<struct csDiagnosis, cs___sort_CS_DIAGNOSIS
 
 PB_OBJECT_DEFINE( csDiagnosis, cs___sort_CS_DIAGNOSIS )
 
-namespace {
+namespace cs {
 
-struct pbVector *told( const cs::Problems &problems, const std::string &file, std::string_view bytes )
+pb::Ref<struct pbVector> diagnosesOf( const Problems &problems, const std::string &file, std::string_view bytes )
 {
     auto vector = pb::adopt( pbVectorCreate() );
-    problems.tell( bytes, [&]( size_t line, size_t column, const cs::Diagnosis &diagnosis ) {
+    problems.tell( bytes, [&]( size_t line, size_t column, const Diagnosis &diagnosis ) {
         const auto obj = pb::make<struct csDiagnosis>( file, line, column, diagnosis );
         pbVectorAppend( vector.address(), csDiagnosisObj( obj.get() ) );
     } );
-    return vector.release();
+    return vector;
 }
+
+} // namespace cs
+
+namespace {
 
 struct pbVector *diagnose( std::string_view bytes, const struct pbString *name, pbBool online )
 {
     cs::Problems problems( true, online );
     (void)cs::parseConfiguration( bytes, problems ); // what it finds is asked for, not the records
-    return told( problems, pb::utf8( name ), bytes );
+    return cs::diagnosesOf( problems, pb::utf8( name ), bytes ).release();
 }
 
 } // namespace
@@ -50,6 +55,12 @@ extern "C" pbInt csDiagnosisSeverity( const struct csDiagnosis *diagnosis )
 {
     PB_ASSERT( diagnosis );
     return diagnosis->diagnosis.severity == cs::Severity::Error ? CS_DIAGNOSIS_ERROR : CS_DIAGNOSIS_WARNING;
+}
+
+extern "C" pbBool csDiagnosisOfSystem( const struct csDiagnosis *diagnosis )
+{
+    PB_ASSERT( diagnosis );
+    return diagnosis->diagnosis.finding.ofSystem;
 }
 
 extern "C" struct pbStore *csDiagnosisStore( const struct csDiagnosis *diagnosis )
@@ -77,12 +88,12 @@ extern "C" struct pbVector *csDiagnoseFile( const struct pbString *path, pbBool 
 {
     PB_ASSERT( path );
     std::string bytes;
-    const std::string reason = cs::readTextFile( path, bytes );
-    if ( reason.empty() )
+    const cs::Unreadable unreadable = cs::readTextFile( path, bytes );
+    if ( unreadable.reason.empty() )
         return diagnose( bytes, path, online );
-    cs::Problems unreadable;
-    unreadable.add( 0, {}, cs::unreadableFile( reason ) );
-    return told( unreadable, pb::utf8( path ), "" );
+    cs::Problems problems;
+    problems.add( 0, {}, cs::unreadableFile( unreadable ) );
+    return cs::diagnosesOf( problems, pb::utf8( path ), "" ).release();
 }
 
 extern "C" struct pbVector *csDiagnoseText( const void *bytes, pbInt byteCount, const struct pbString *name,

@@ -25,6 +25,8 @@ PB_API pbInt csDiagnosisCompare( const struct csDiagnosis *a, const struct csDia
 PB_API pbBool csDiagnosisEquals( const struct csDiagnosis *a, const struct csDiagnosis *b );
 
 PB_API pbInt csDiagnosisSeverity( const struct csDiagnosis *diagnosis );
+// The file was not read since the system is short of something (descriptors, memory): nothing is said about it.
+PB_API pbBool csDiagnosisOfSystem( const struct csDiagnosis *diagnosis );
 // "file", "line", "column" (from 1, columns in code points), "severity" ("error" or "warning"), "record", "key" (the
 // way to it, such as "udpOptions.portRange"), "what", "expected", "nearest" (the known name that was probably meant). A
 // text that there is none of is left out.

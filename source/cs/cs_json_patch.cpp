@@ -24,44 +24,32 @@ bool isBlank( char c )
 
 class Patch {
 public:
-    explicit Patch( std::string_view text ) : text_( text ) {}
+    explicit Patch( std::string_view text ) : text_( text ), lines_( text ) {}
 
     void value( const JsonValue &written, const Store &wanted )
     {
         if ( storeFromJson( written ) == wanted )
             return;
-        if ( written.kind != JsonValue::Kind::Object || written.members.empty() || isArray( wanted.get() ) ||
-             losesKey( written, wanted ) )
+        if ( written.kind != JsonValue::Kind::Object || isArray( wanted.get() ) || !keepsKey( written, wanted ) )
             return edit( written.offset, written.end, valueText( wanted, written ) );
         std::unordered_set<std::string> keys;
-        for ( const JsonMember &member : written.members ) {
-            keys.insert( member.key );
-            this->member( member.value, wanted, member.key );
+        size_t lastKept = 0;
+        for ( size_t i = 0; i < written.members.size(); ++i ) {
+            keys.insert( written.members[i].key );
+            if ( isKept( written.members[i], wanted ) )
+                lastKept = i;
         }
         Store added = pb::adopt( pbStoreCreate() );
         for ( pbInt i = 0; i < pbStoreLength( wanted.get() ); ++i )
             if ( const auto key = pb::adopt( pbStoreKeyAt( wanted.get(), i ) ); !keys.contains( pb::utf8( key ) ) )
                 copy( added, key, wanted );
+        members( written, wanted, lastKept, pbStoreLength( added.get() ) > 0 );
         if ( pbStoreLength( added.get() ) > 0 )
             add( written, added );
     }
-    std::string patched() const
-    {
-        std::string result;
-        size_t at = 0;
-        for ( const Edit &edit : edits_ ) {
-            result += text_.substr( at, edit.begin - at );
-            result += edit.text;
-            at = edit.end;
-        }
-        return result + std::string( text_.substr( at ) );
-    }
+    std::vector<TextEdit> takeEdits() { return std::move( edits_ ); }
 
 private:
-    struct Edit {
-        size_t begin, end;
-        std::string text;
-    };
     // In the order of the text.
     void edit( size_t begin, size_t end, std::string text ) { edits_.push_back( { begin, end, std::move( text ) } ); }
 
@@ -72,15 +60,69 @@ private:
         else
             pbStoreSetValue( to.address(), key.get(), pb::adopt( pbStoreValue( from.get(), key.get() ) ).get() );
     }
-    static bool losesKey( const JsonValue &written, const Store &wanted )
+    static bool isKept( const JsonMember &member, const Store &wanted )
     {
-        for ( const JsonMember &member : written.members ) {
-            const auto key = pb::string( member.key );
-            if ( !pb::adopt( pbStoreStore( wanted.get(), key.get() ) ) &&
-                 !pb::adopt( pbStoreValue( wanted.get(), key.get() ) ) )
-                return true;
+        const auto key = pb::string( member.key );
+        return pb::adopt( pbStoreStore( wanted.get(), key.get() ) ) ||
+               pb::adopt( pbStoreValue( wanted.get(), key.get() ) );
+    }
+    static bool keepsKey( const JsonValue &written, const Store &wanted )
+    {
+        return std::any_of( written.members.begin(), written.members.end(),
+                            [&]( const JsonMember &member ) { return isKept( member, wanted ); } );
+    }
+
+    // Changes those that stay and takes out the others, each with one comma; the one behind the last that stays serves
+    // what is added.
+    void members( const JsonValue &written, const Store &wanted, size_t lastKept, bool moreFollows )
+    {
+        const size_t count = written.members.size();
+        for ( size_t i = 0; i < count; ++i ) {
+            const JsonMember &each = written.members[i];
+            if ( !isKept( each, wanted ) ) {
+                takeOut( each, i + 1 < count );
+                continue;
+            }
+            member( each.value, wanted, each.key );
+            if ( i == lastKept && i + 1 < count && !moreFollows ) {
+                const size_t comma = commaBehind( each );
+                edit( comma, comma + 1, "" );
+            }
+            else if ( i + 1 == count && moreFollows )
+                edit( each.value.end, each.value.end, "," );
         }
-        return false;
+    }
+    // With its line when nothing else stands there, else with the blanks on one side of it.
+    void takeOut( const JsonMember &member, bool withComma )
+    {
+        size_t begin = member.keyOffset, end = withComma ? commaBehind( member ) + 1 : member.value.end;
+        const size_t line = lines_.of( begin );
+        const size_t blanks = text_.find_first_not_of( " \t", lines_.begin( line ) );
+        const size_t rest = text_.find_first_not_of( " \t\r", end );
+        if ( line > 0 && blanks == begin && rest != text_.npos && text_[rest] == '\n' ) {
+            begin = lines_.begin( line ) - 1; // the line end before: the one behind may belong to a brace
+            begin -= begin > 0 && text_[begin - 1] == '\r';
+            end = rest - ( text_[rest - 1] == '\r' );
+        }
+        else if ( withComma )
+            end = text_.find_first_not_of( " \t", end );
+        else
+            while ( text_[begin - 1] == ' ' || text_[begin - 1] == '\t' ) // a line end may end a comment
+                --begin;
+        edit( std::max( begin, edits_.empty() ? 0 : edits_.back().end ), end, "" );
+    }
+    // Comments may stand before it.
+    size_t commaBehind( const JsonMember &member ) const
+    {
+        size_t at = member.value.end;
+        while ( text_[at] != ',' )
+            if ( text_.substr( at, 2 ) == "/*" )
+                at = text_.find( "*/", at + 2 ) + 2;
+            else if ( text_.substr( at, 2 ) == "//" )
+                at = text_.find( '\n', at );
+            else
+                ++at;
+        return at;
     }
 
     void member( const JsonValue &written, const Store &parent, const std::string &keyText )
@@ -108,10 +150,11 @@ private:
     void add( const JsonValue &written, const Store &added )
     {
         const JsonMember &last = written.members.back();
-        const size_t brace = written.end - 1;
-        size_t end = brace;
+        size_t end = written.end - 1;
         while ( end > last.value.end && isBlank( text_[end - 1] ) )
             --end;
+        if ( !edits_.empty() )
+            end = std::max( end, edits_.back().end );
         const bool lines = hasLines( written );
         // {"a": 1, ...} without its braces; the layout indents members by two blanks more than the object.
         const std::string indent = indentAt( last.keyOffset );
@@ -119,7 +162,6 @@ private:
             lines ? jsonText( added, CS_JSON_PRETTY, indent.substr( std::min<size_t>( 2, indent.size() ) ) )
                   : jsonText( added, CS_JSON_SHORT, "" );
         const std::string members = json.substr( 1, ( lines ? json.rfind( '\n' ) : json.size() - 1 ) - 1 );
-        edit( last.value.end, last.value.end, "," );
         edit( end, end, lines ? members : " " + members );
     }
 
@@ -135,14 +177,11 @@ private:
             result += c == '\n' ? "\n" + indent : std::string( 1, c );
         return result;
     }
-    bool hasLines( const JsonValue &value ) const
-    {
-        return text_.substr( value.offset, value.end - value.offset ).find( '\n' ) != text_.npos;
-    }
+    bool hasLines( const JsonValue &value ) const { return lines_.of( value.offset ) != lines_.of( value.end - 1 ); }
     // The blanks that begin the line of the offset.
     std::string indentAt( size_t offset ) const
     {
-        const size_t line = text_.substr( 0, offset ).rfind( '\n' ) + 1; // npos + 1 is 0
+        const size_t line = lines_.begin( lines_.of( offset ) );
         size_t end = line;
         while ( end < offset && ( text_[end] == ' ' || text_[end] == '\t' ) )
             ++end;
@@ -150,18 +189,23 @@ private:
     }
 
     const std::string_view text_;
-    std::vector<Edit> edits_;
+    const Lines lines_;
+    std::vector<TextEdit> edits_;
 };
 
 } // namespace
 
-std::string patchedJson( std::string_view text, const pb::Ref<struct pbStore> &wanted )
+std::vector<TextEdit> jsonEdits( std::string_view text, const pb::Ref<struct pbStore> &wanted )
 {
     JsonValue root;
     (void)readJson( text, root ); // was accepted before
     Patch patch( text );
     patch.value( root, wanted );
-    return patch.patched();
+    std::vector<TextEdit> edits = patch.takeEdits();
+    // What replaces a person's text is looked at twice.
+    if ( storeFromJsonText( editedText( text, edits ) ) == wanted )
+        return edits;
+    return { { 0, text.size(), pb::utf8( pb::adopt( csJsonFromStore( wanted.get(), CS_JSON_PRETTY ) ) ) + "\n" } };
 }
 
 pb::Ref<struct pbStore> storeFromJsonText( std::string_view text )

@@ -49,8 +49,12 @@ std::vector<std::string> nearestNames( std::string_view name, const std::vector<
         if ( candidate.size() > Longest )
             continue;
         const std::string meant = lowerCase( candidate );
-        const size_t errors = editDistance( typed, meant );
         const bool begun = typed.size() >= 2 && meant.starts_with( typed );
+        // Each character that one has more is an error at least.
+        const size_t surplus = std::max( typed.size(), meant.size() ) - std::min( typed.size(), meant.size() );
+        if ( !begun && surplus > allowed )
+            continue;
+        const size_t errors = editDistance( typed, meant );
         if ( begun || ( errors <= allowed && errors < std::min( typed.size(), meant.size() ) ) )
             near.emplace_back( begun ? std::min<size_t>( errors, 1 ) : errors, candidate );
     }

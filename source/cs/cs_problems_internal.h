@@ -30,7 +30,8 @@ struct Subject {
 struct Finding {
     std::string what{}; // empty: nothing
     std::string expected{};
-    std::string nearest{}; // the known name that was probably meant
+    std::string nearest{};  // the known name that was probably meant
+    bool ofSystem = false;  // nothing is said about the text: the system did not let it be read
 
     // "what is wrong, did you mean "nearest"?" or "what is wrong, expected ...".
     std::string text() const;
@@ -62,6 +63,8 @@ public:
     {
         keep( offset, { Severity::Warning, subject, finding } );
     }
+    // Further errors are counted only: what to say about them need not be found out.
+    bool full() const noexcept { return counts_[0] >= Maximum; }
     // No errors.
     bool empty() const noexcept { return counts_[0] == 0; }
 

@@ -9,6 +9,7 @@
 #include "pb/pb_monitor.hpp"
 #include "pb/pb_object.hpp"
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -73,6 +74,9 @@ private:
     std::shared_ptr<void> owner_;
     pbInt *calls_ = nullptr;
 };
+
+// Runs the steps that may be called on the update, in the order of their dates.
+void runSteps( struct csUpdate **update, const std::function<void( const UpdateStep & )> &afterEach );
 
 // What is registered and by whom. One monitor for all: registration is rare and calls enter and leave it in passing.
 // It is never held over a call.

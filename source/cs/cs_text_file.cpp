@@ -15,44 +15,48 @@
 namespace cs {
 namespace {
 
-std::string errorText( int error )
+Unreadable failure( int error )
 {
-    return std::system_category().message( error );
+    const bool ofSystem =
+        error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO || error == EAGAIN || error == ENOBUFS;
+    return { std::system_category().message( error ), ofSystem };
 }
 
-std::string readFile( const char *path, std::string &bytes )
+Unreadable readFile( const char *path, std::string &bytes )
 {
     const pb::Fd file( ::open( path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK ) );
     struct stat status;
     if ( !file || ::fstat( file.get(), &status ) != 0 )
-        return errorText( errno );
+        return failure( errno );
     if ( !S_ISREG( status.st_mode ) )
-        return S_ISDIR( status.st_mode ) ? errorText( EISDIR ) : "not a regular file";
+        return S_ISDIR( status.st_mode ) ? failure( EISDIR ) : Unreadable{ "not a regular file" };
     char block[65536];
     while ( bytes.size() <= JsonBytesMaximum ) {
         const ssize_t count = ::read( file.get(), block, sizeof block );
         if ( count < 0 && errno != EINTR )
-            return errorText( errno );
+            return failure( errno );
         if ( count == 0 )
             break;
         if ( count > 0 )
             bytes.append( block, static_cast<size_t>( count ) );
     }
-    return "";
+    return {};
 }
 
 } // namespace
 
-std::string readTextFile( const struct pbString *path, std::string &bytes )
+Unreadable readTextFile( const struct pbString *path, std::string &bytes )
 {
     // A path with a NUL in it is no path.
     const std::unique_ptr<char, decltype( &pbBytesZFree )> pathZ( pbStringTryConvertToBytesZ( path ), pbBytesZFree );
-    return pathZ ? readFile( pathZ.get(), bytes ) : errorText( EINVAL );
+    return pathZ ? readFile( pathZ.get(), bytes ) : failure( EINVAL );
 }
 
-Finding unreadableFile( const std::string &reason )
+Finding unreadableFile( const Unreadable &unreadable )
 {
-    return { "cannot be read (" + reason + ")", "a configuration file" };
+    return { .what = "cannot be read (" + unreadable.reason + ")",
+             .expected = unreadable.ofSystem ? "" : "a configuration file",
+             .ofSystem = unreadable.ofSystem };
 }
 
 } // namespace cs

@@ -10,12 +10,17 @@ struct pbString;
 
 namespace cs {
 
-// Empty, or why the file cannot be read. Takes nothing but regular files: a pipe or a terminal could keep the caller
+struct Unreadable {
+    std::string reason{};  // for a person; empty: it was read
+    bool ofSystem = false; // the system is short of something: nothing is said about the file
+};
+
+// Takes nothing but regular files: a pipe or a terminal could keep the caller
 // waiting, and opening a device may do something. Reads at most one byte more than a text may have.
-std::string readTextFile( const struct pbString *path, std::string &bytes );
+Unreadable readTextFile( const struct pbString *path, std::string &bytes );
 
 // What is told about a configuration file that cannot be read.
-Finding unreadableFile( const std::string &reason );
+Finding unreadableFile( const Unreadable &unreadable );
 
 } // namespace cs
 

@@ -118,7 +118,10 @@ extern "C" void csUpdateSetObject( struct csUpdate **update, const struct pbStri
     PB_ASSERT( *update );
     PB_ASSERT( name );
     PB_ASSERT( object );
-    auto records = storeOrEmpty( ( *update )->tree, cs::TreeObjects );
+    auto &tree = pb::edit( update ).tree;
+    auto records = storeOrEmpty( tree, cs::TreeObjects );
+    // Taken out for the while: alone it is changed in place, where a shared one would be copied for each object.
+    pbStoreSetStoreCstr( tree.address(), cs::TreeObjects, -1, pb::adopt( pbStoreCreate() ).get() );
     auto record = storeOrEmpty( records, name );
     pbStoreSetValueCstr( record.address(), cs::TreeSort, -1, object->sortName.get() );
     if ( object->optionalConfig )
@@ -126,7 +129,7 @@ extern "C" void csUpdateSetObject( struct csUpdate **update, const struct pbStri
     else
         pbStoreDelStoreCstr( record.address(), cs::TreeConfig, -1 );
     pbStoreSetStore( records.address(), name, record.get() );
-    pbStoreSetStoreCstr( pb::edit( update ).tree.address(), cs::TreeObjects, -1, records.get() );
+    pbStoreSetStoreCstr( tree.address(), cs::TreeObjects, -1, records.get() );
 }
 
 extern "C" struct pbStore *csUpdateCurrent( const struct csUpdate *update )

@@ -44,11 +44,22 @@ extern "C" struct csUpdateBackend *csUpdateBackendCreateCstr( const char *date, 
     return pb::make<struct csUpdateBackend>( std::move( text ), func ).release();
 }
 
+namespace cs {
+
+void runSteps( struct csUpdate **update, const std::function<void( const UpdateStep & )> &afterEach )
+{
+    for ( const auto &step : Registry::instance().steps() )
+        if ( const Call call( step ); call ) {
+            step->func( step->backend, update );
+            afterEach( *step );
+        }
+}
+
+} // namespace cs
+
 extern "C" void csUpdateBackendsRun( struct csUpdate **update )
 {
     PB_ASSERT( update );
     PB_ASSERT( *update );
-    for ( const auto &step : cs::Registry::instance().steps() )
-        if ( const cs::Call call( step ); call )
-            step->func( step->backend, update );
+    cs::runSteps( update, []( const cs::UpdateStep & ) {} );
 }

@@ -38,21 +38,25 @@ Exit checkFile( Output &output, const CheckOptions &options )
 {
     const Host host;
     size_t errors = 0, warnings = 0;
+    bool unread = false;
     Record diagnoses;
     for ( const auto &diagnosis :
           items( pb::adopt( csDiagnoseFile( pb::string( options.file ).get(), options.online ) ), csDiagnosisFrom ) ) {
         const bool isError = csDiagnosisSeverity( diagnosis.get() ) == CS_DIAGNOSIS_ERROR;
         ++( isError ? errors : warnings );
+        unread |= csDiagnosisOfSystem( diagnosis.get() ) != 0;
         output.line( output.paint( isError ? Paint::Bad : Paint::Plain,
                                    pb::utf8( pb::adopt( csDiagnosisToString( diagnosis.get() ) ) ) ) );
         diagnoses.append( pb::adopt( csDiagnosisStore( diagnosis.get() ) ) );
     }
-    output.line( fmt::format( "{}: {}", options.file, summary( errors, warnings ) ) );
+    output.line( fmt::format( "{}: {}", options.file, unread ? "not read" : summary( errors, warnings ) ) );
     output.record( Record()
                        .set( "file", options.file )
                        .set( "errors", errors )
                        .set( "warnings", warnings )
                        .set( "diagnoses", diagnoses ) );
+    if ( unread )
+        return Exit::System;
     return errors || ( options.strict && warnings ) ? Exit::Configuration : Exit::Yes;
 }
 

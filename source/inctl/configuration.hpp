@@ -15,8 +15,8 @@ namespace inctl {
 
 class Configuration {
 public:
-    // Needs a running Host. Throws Failure (configuration) with every problem on a line of its own; nothing is started.
-    explicit Configuration( std::string path );
+    // Needs a running Host. Throws Failure with every problem on a line of its own; nothing is started.
+    explicit Configuration( const std::string &path );
     // From memory; name stands for the file in messages.
     Configuration( std::string_view text, const std::string &name );
     ~Configuration();
@@ -24,22 +24,6 @@ public:
     Configuration &operator=( const Configuration & ) = delete;
 
     void start();
-
-    struct Change {
-        std::string name;
-        std::string sort;
-        std::string what; // CS_CONFIGURATION_CREATED and its kin
-    };
-    struct Reload {
-        std::vector<std::string> problems; // a line each; empty when the file was applied
-        std::vector<Change> changes;       // of the records that were touched
-    };
-    // The file as it is now. With problems everything stays as it was. Not for one from memory.
-    Reload reload();
-
-    // For what runs beside the main thread, too: any thread may use it while this lives.
-    struct csConfiguration *configuration() const { return configuration_.get(); }
-    const std::string &path() const { return path_; }
 
     struct Object {
         std::string name;
@@ -57,12 +41,14 @@ public:
 
 private:
     [[noreturn]] void failToFind( const std::string &name, const struct pbSort *sort ) const;
-    void accept( struct csConfiguration *loaded, struct pbVector *problems, const std::string &name );
 
-    const std::string path_; // "": from memory
     pb::Ref<struct csConfiguration> configuration_;
     bool started_ = false;
 };
+
+// Throws Failure with the csDiagnoses of a file that was not accepted: of the system when it could not be read for want
+// of something, else of the configuration.
+[[noreturn]] void refuse( const pb::Ref<struct pbVector> &diagnoses );
 
 } // namespace inctl
 

@@ -1,11 +1,13 @@
 // Configuration files: what is refused, where and why; what is accepted; what is started.
 #include "cs/cs_configuration.h"
+#include "cs/cs_diagnosis.h"
 #include "cs/tables.hpp"
 #include "cs/test_sort.hpp"
 #include "pb/pb_vector.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 using test::Store;
 using testing::ElementsAre;
@@ -187,6 +189,25 @@ TEST( CsConfiguration, LimitsAndFilesThatCannotBeRead )
     const std::string path = testing::TempDir() + "cs_configuration_test.json";
     std::ofstream( path ) << record( R"({ "title": "from a file" })" );
     EXPECT_THAT( load( path ).problems, IsEmpty() );
+
+    // For want of descriptors nothing is said about the file.
+    const auto isOfSystem = []( const std::string &file ) {
+        struct pbVector *diagnoses = nullptr;
+        EXPECT_FALSE( csConfigurationTryLoadDiagnosed( pb::string( file ).get(), &diagnoses ) );
+        const auto told = pb::adopt( diagnoses );
+        const auto diagnosis = pb::adopt( csDiagnosisFrom( pbVectorObjAt( told.get(), 0 ) ) );
+        return std::pair( pb::utf8( pb::adopt( csDiagnosisToString( diagnosis.get() ) ) ),
+                          csDiagnosisOfSystem( diagnosis.get() ) != 0 );
+    };
+    EXPECT_FALSE( isOfSystem( "/nowhere" ).second );
+    rlimit before;
+    ASSERT_EQ( getrlimit( RLIMIT_NOFILE, &before ), 0 );
+    const rlimit none{ 0, before.rlim_max };
+    setrlimit( RLIMIT_NOFILE, &none );
+    const auto [text, ofSystem] = isOfSystem( path );
+    setrlimit( RLIMIT_NOFILE, &before );
+    EXPECT_EQ( text, path + ":1:1: error: cannot be read (Too many open files)" );
+    EXPECT_TRUE( ofSystem );
 }
 
 TEST( CsConfiguration, EveryPrefixOfAGoodFileIsRefusedWithOneProblem )

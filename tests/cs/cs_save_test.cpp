@@ -12,7 +12,9 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -121,7 +123,7 @@ TEST_F( CsSave, ReplacesOnlyWhatDiffersInTheText )
         SCOPED_TRACE( row[0] );
         const auto wanted = cs::storeFromJsonText( row.at( 2 ) );
         ASSERT_TRUE( wanted );
-        EXPECT_EQ( cs::patchedJson( row.at( 1 ), wanted ), row.at( 3 ) );
+        EXPECT_EQ( cs::editedText( row.at( 1 ), cs::jsonEdits( row.at( 1 ), wanted ) ), row.at( 3 ) );
         EXPECT_EQ( cs::storeFromJsonText( row.at( 3 ) ), wanted );
     }
 }
@@ -230,6 +232,27 @@ TEST_F( CsSave, WhatCannotBeSavedIsToldAndTheOldFileStays )
     }
     EXPECT_EQ( save( configuration, path ), "" ); // and once it can be, it is
     EXPECT_EQ( read( path ), Edited );
+}
+
+TEST_F( CsSave, AFullDiskKeepsTheOldTextAndTheNextSaveFindsRoom )
+{
+    const Configuration configuration = loaded();
+    flip( configuration, false );
+    const std::string told = inChild( [&]() -> std::string {
+        if ( ::unshare( CLONE_NEWNS ) != 0 || ::mount( nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr ) != 0 ||
+             ::mount( "none", directory.c_str(), "tmpfs", 0, "size=64k" ) != 0 )
+            return "not permitted";
+        write( path, Written );
+        write( directory / "filler", std::string( 100'000, 'x' ) );
+        const std::string full = save( configuration, path );
+        const bool kept = read( path ) == Written && names() == std::vector<std::string>{ "filler", "in.json" };
+        fs::remove( directory / "filler" );
+        const std::string then = save( configuration, path );
+        return full + ( kept && then.empty() && read( path ) == Edited ? " kept" : " lost" );
+    } );
+    if ( told == "not permitted" )
+        GTEST_SKIP() << "mounting is not permitted here";
+    EXPECT_EQ( told, path.string() + ": not saved: writing: No space left on device kept" );
 }
 
 TEST_F( CsSave, AKilledProcessLeavesTheOldOrTheNewTextWhole )

@@ -91,6 +91,24 @@ TEST( ConfigurationCheck, TellsEachMistakeAndSurpriseInItsPlace )
     }
 }
 
+// Each reference is looked up among all records, each wrong one compared with their names: what takes seconds would take
+// hours if all that were done for each pair.
+TEST( ConfigurationCheck, ComesToAnEndWithAsManyReferencesAsRecords )
+{
+    std::string good = R"({"objects": {)", bad = good;
+    for ( int i = 0; i < 8'000; ++i ) {
+        const std::string number = std::to_string( i ), record = R"("condition)" + number +
+                                   R"(": {"sort": "CS_CONDITION"}, "nw)" + number +
+                                   R"(": {"sort": "IN_NW_STACK", "config": {"csConditionName": ")";
+        good += ( i ? ", " : "" ) + record + "condition" + number + "\"}}";
+        bad += ( i ? ", " : "" ) + record + "conditoin" + number + "\"}}";
+    }
+    EXPECT_FALSE( diagnose( good + "}}" ).refused );
+    const Told told = diagnose( bad + "}}" );
+    EXPECT_THAT( told.texts, testing::Contains( testing::HasSubstr( "did you mean \"condition0\"?" ) ) );
+    EXPECT_THAT( told.texts, testing::Contains( testing::HasSubstr( "7000 more problems, not told" ) ) );
+}
+
 class Mutator {
 public:
     Mutator()

@@ -1,6 +1,6 @@
 // Brings a configuration that was read up to date.
-#ifndef CS_MIGRATION_INTERNAL_H
-#define CS_MIGRATION_INTERNAL_H
+#ifndef CS_MIGRATE_TREE_INTERNAL_H
+#define CS_MIGRATE_TREE_INTERNAL_H
 
 #include "cs/cs_json_reader_internal.h"
 
