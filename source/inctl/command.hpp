@@ -43,6 +43,7 @@ void addUdpReceive( CLI::App &udp, Context &context );
 void addRun( CLI::App &root, Context &context );
 void addTour( CLI::App &root, Context &context );
 void addCheck( CLI::App &root, Context &context );
+void addMigrate( CLI::App &root, Context &context );
 void addExplain( CLI::App &root, Context &context );
 void addDoctor( CLI::App &root, Context &context );
 void addCompletion( CLI::App &root, Context &context );

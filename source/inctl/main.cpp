@@ -117,6 +117,7 @@ Exit run( int argumentCount, char **arguments )
     addRun( app, context );
     addTour( app, context );
     addCheck( app, context );
+    addMigrate( app, context );
     addExplain( app, context );
     addDoctor( app, context );
     addCompletion( app, context );

@@ -56,13 +56,13 @@ std::string Output::paint( Paint paint, std::string_view text ) const
     return colour() ? painted( paint, text ) : std::string( text );
 }
 
-void Output::write( std::string_view text )
+void Output::write( std::string_view text, std::string_view end )
 {
     if ( broken_ )
         return;
     // Flushed line by line: the output is followed live, by people and by scripts.
-    if ( std::fwrite( text.data(), 1, text.size(), stdout ) != text.size() || std::fputc( '\n', stdout ) == EOF ||
-         std::fflush( stdout ) != 0 ) {
+    if ( std::fwrite( text.data(), 1, text.size(), stdout ) != text.size() ||
+         std::fwrite( end.data(), 1, end.size(), stdout ) != end.size() || std::fflush( stdout ) != 0 ) {
         broken_ = true;
         __fpurge( stdout ); // else the end of the program would try once more, and might block
     }
@@ -72,6 +72,12 @@ void Output::line( std::string_view text )
 {
     if ( form == Form::Text )
         write( text );
+}
+
+void Output::bytes( std::string_view bytes )
+{
+    if ( form == Form::Text )
+        write( bytes, "" );
 }
 
 void Output::record( const Record &record )

@@ -27,6 +27,8 @@ public:
     void line( std::string_view text );
     // Text that is the result in either form.
     void text( std::string_view text ) { write( text ); }
+    // Bytes that are the result for a person, as they are; nothing when JSON is wanted.
+    void bytes( std::string_view bytes );
     // A whole result, or one event of a stream; nothing unless JSON is wanted.
     void record( const Record &record );
     // The sentence to standard error, and for programs {"error": ...} to standard output.
@@ -36,7 +38,7 @@ public:
     bool broken() const { return broken_; }
 
 private:
-    void write( std::string_view text );
+    void write( std::string_view text, std::string_view end = "\n" );
 
     bool broken_ = false;
 };

@@ -45,6 +45,10 @@ constexpr csKey choiceKeys[] = { array( "candidates", candidateEntry ), text( "a
 constexpr csKey checkKeys[] = { text( "name" ), text( "state" ), text( "detail" ), text( "remedy" ) };
 constexpr csKey checkEntry = store( "", checkKeys );
 
+constexpr csKey updateKeys[] = { text( "date" ), text( "module" ), text( "before" ), text( "after" ),
+                                 array( "objects", anyText ) };
+constexpr csKey updateEntry = store( "", updateKeys );
+
 // Of all records together: a key means the same in each.
 constexpr csKey recordKeys[] = {
     text( "error" ),
@@ -71,6 +75,8 @@ constexpr csKey recordKeys[] = {
     array( "diagnoses", diagnosisEntry ),
     store( "choice", choiceKeys ),
     array( "checks", checkEntry ),
+    array( "updates", updateEntry ),
+    text( "diff" ),
 };
 
 } // namespace

@@ -1,5 +1,7 @@
 // Configuration of older versions: each step of its migration before and after, all of them, and all of them again.
 #include "cs/cs_json.h"
+#include "cs/cs_migration.h"
+#include "cs/cs_module_backend.h"
 #include "cs/cs_update.h"
 #include "cs/cs_update_backend.h"
 #include "in/base/in_module.h"
@@ -7,6 +9,13 @@
 #include "pb/pb_store.h"
 #include "support/death_table.hpp"
 #include "support/module_host.hpp"
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sys/wait.h>
 
 namespace {
 
@@ -84,6 +93,7 @@ TEST( Csupdate, EachStep )
         { certificateFlags, "IN_TLS_STACK", R"({"flags":"IN_TLS_FLAG_DISABLE_TLS_V1|OTHER","certificateFlags":""})", nullptr },
         { certificateFlags, "IN_TLS_STACK", R"({"a":1})", nullptr },
         { networks, "IN_STACK", R"({"address":"10.1.2.3","addressMatchingBits":8,"a":1})", R"({"a":1,"network":"10.1.2.3/8"})" },
+        { networks, "IN_STACK", R"({"address":"x","addressMatchingBits":""})", R"({"network":"x/"})" }, // texts, whatever they say
         { networks, "IN_STACK", R"({"address":"x","addressMatchingBits":8,"network":"::/0"})", nullptr },
         { networks, "IN_STACK", R"({"address":"10.1.2.3"})", nullptr },
         { networks, "IN_STACK", R"({"addressMatchingBits":8})", nullptr },
@@ -151,6 +161,81 @@ const std::string newest = R"({"objects":{
          "flags":"IN_FILTER_ENTRY_FLAG_ADDRESS|IN_FILTER_ENTRY_FLAG_DNS_QUERY_ADDRESSES"}]}}},
     "modules":{"in":{"info":{"interfaces":[{"state":{"status":"IN_NW_INTERFACE_STATUS_UP",
          "layer3UnicastAddresses":["::1"],"layer3Networks":["::1"]}}]},"version":"13.0"}}})";
+
+void killItself( struct csUpdateBackend *, struct csUpdate ** ) { (void)::raise( SIGKILL ); }
+
+// A process that registers the steps, brings the file up to date and ends well; -1, or between which steps it is killed.
+pid_t migrating( const std::string &path, int killedBehind )
+{
+    const pid_t child = ::fork();
+    if ( child != 0 )
+        return child;
+    in___Csupdate20130104Startup();
+    in___Csupdate20171013Startup();
+    in___Csupdate20180703Startup();
+    in___Csupdate20190306Startup();
+    in___Csupdate20200204Startup();
+    in___Csupdate20200219Startup();
+    const char *const dates[] = { "2013-01-05", "2017-10-14", "2018-07-04", "2019-03-07", "2020-02-05", "2020-02-20" };
+    const auto killer = killedBehind < 0 ? nullptr
+                                         : pb::adopt( csUpdateBackendCreateCstr( dates[killedBehind], -1, killItself ) );
+    const auto module = pb::adopt( csModuleBackendCreate( inModule(), nullptr ) );
+    struct pbVector *diagnoses = nullptr;
+    struct pbString *problem = nullptr;
+    const auto migration = pb::adopt( csMigrationTryLoad( pb::string( path ).get(), &diagnoses ) );
+    ::_exit( migration && csMigrationTryWrite( migration.get(), &problem ) ? 0 : 1 );
+}
+int endOf( pid_t child )
+{
+    int status = -1;
+    EXPECT_EQ( ::waitpid( child, &status, 0 ), child );
+    return status;
+}
+
+// Before the module starts in this process: what is registered lives once.
+TEST( Csupdate, AKilledProcessLeavesTheFileWholeAndTheNextOneFinishes )
+{
+    namespace fs = std::filesystem;
+    const fs::path directory = fs::path( testing::TempDir() ) / ( "in_csupdate_test." + std::to_string( ::getpid() ) );
+    fs::create_directory( directory );
+    const std::string path = directory / "old.json";
+    const auto read = [&] {
+        std::ifstream file( path );
+        return std::string( std::istreambuf_iterator<char>( file ), {} );
+    };
+    const std::string old = oldest + "// " + std::string( 50'000, 'x' ) + "\n"; // several writes of the file system
+    const auto write = [&] { std::ofstream( path ) << old; };
+    write();
+    ASSERT_EQ( endOf( migrating( path, -1 ) ), 0 );
+    const std::string fresh = read();
+    expectTree( pb::adopt( csUpdateCreate( store( fresh ).get() ) ), newest );
+    std::minstd_rand random( 7 );
+    const int kills = std::getenv( "IN_SOAK" ) ? 1'000 : 12;
+    int finished = 0;
+    for ( int kill = 0; kill < 2 * kills; ++kill ) {
+        SCOPED_TRACE( kill );
+        write();
+        const bool between = kill % 2;
+        const pid_t child = migrating( path, between ? kill / 2 % 6 : -1 );
+        if ( !between ) {
+            using Clock = std::chrono::steady_clock;
+            const auto end = Clock::now() + std::chrono::microseconds( random() % 20'000 );
+            while ( Clock::now() < end )
+                ; // into the middle of what it does
+            ::kill( child, SIGKILL );
+        }
+        const int status = endOf( child );
+        const std::string text = read();
+        ASSERT_TRUE( between ? WIFSIGNALED( status ) && text == old : text == old || text == fresh ) << text.size();
+        finished += text == fresh;
+        ASSERT_EQ( endOf( migrating( path, -1 ) ), 0 );
+        ASSERT_EQ( read(), fresh );
+        // What was left behind went with that, unless there was nothing to be written.
+        ASSERT_LE( std::distance( fs::directory_iterator( directory ), {} ), text == fresh ? 2 : 1 );
+    }
+    RecordProperty( "finished", finished );
+    fs::remove_all( directory );
+}
 
 TEST( Csupdate, AllRegisteredStepsInOrder )
 {
