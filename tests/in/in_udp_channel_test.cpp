@@ -5,6 +5,9 @@
 #include "in/base/in_flags.h"
 #include "in/base/in_options.h"
 #include "in/base/in_stack.h"
+#include "in/filter/in_filter_entry.h"
+#include "in/filter/in_filter_entry_flags.h"
+#include "in/filter/in_filter_options.h"
 #include "in/in_imp_udp_support.hpp"
 #include "in/qos/in_qos_options.h"
 #include "in/qos/in_qos_stack.h"
@@ -18,6 +21,7 @@
 #include "tr/tr_anchor.h"
 #include "tr/tr_stream.h"
 
+#include <algorithm>
 #include <functional>
 #include <gmock/gmock.h>
 
@@ -185,6 +189,46 @@ TEST( UdpChannel, TracesWhyThereIsNone )
     }
 }
 
+// Lets in this peer alone.
+pb::Ref<struct inFilter> filterOf( const char *peer )
+{
+    auto entry = pb::adopt( inFilterEntryCreate( pb::string( peer ).get() ) );
+    inFilterEntrySetFlags( entry.address(), IN_FILTER_ENTRY_FLAG_ADDRESS );
+    auto options = pb::adopt( inFilterOptionsCreate() );
+    inFilterOptionsAppendEntry( options.address(), entry.get() );
+    return pb::adopt( inFilterCreate( options.get(), nullptr ) );
+}
+
+TEST( UdpChannel, FiltersBothWays )
+{
+    const auto filter = filterOf( "127.0.3.2" );
+    const support::UdpChannel friendly( "127.0.3.2", any ), foe( "127.0.3.3", any );
+    for ( const bool highVolume : { false, true } ) {
+        support::TraceCatcher catcher( highVolume );
+        const auto pair = rtpPairOn( stackOn( "127.0.0.1" ), filter.get() );
+        const Channel channel = pb::adopt( inUdpChannelFrom( pbVectorObjAt( pair.get(), 0 ) ) );
+        EXPECT_TRUE( pb::adopt( inUdpChannelFilter( channel.get() ) ).is( filter ) );
+        EXPECT_TRUE( inUdpChannelHasFilter( channel.get() ) );
+        EXPECT_THAT( catcher.links(), testing::Contains( Link{ "IN_UDP_CHANNEL", "", TR_ANCHOR_KIND_USE, "" } ) );
+        for ( const support::UdpChannel *from : { &foe, &foe, &friendly } ) // one call drains what it refuses
+            from->send( local( channel ).get(), from == &foe ? "foe" : "friend" );
+        EXPECT_EQ( support::payload( await( channel ) ), "friend" );
+        EXPECT_FALSE( pb::adopt( inUdpChannelReceive( channel.get() ) ) );
+        EXPECT_EQ( catcher.property( "IN_UDP_CHANNEL", "inFilteredUdpAddress" ), text( foe.local() ) );
+        const auto refusals = [&]( const char *refusal ) {
+            const auto texts = catcher.texts( "IN_UDP_CHANNEL" );
+            return std::count( texts.begin(), texts.end(), refusal );
+        };
+        EXPECT_EQ( refusals( "[inUdpChannelReceive()] inFilterCheckUdpAddress(): false" ), highVolume ? 2 : 0 );
+
+        inUdpChannelSendBytes( channel.get(), foe.local().get(), "no", 2 );
+        EXPECT_EQ( refusals( "[inUdpChannelSendBytes()] inFilterCheckUdpAddress(): false" ), 1 );
+        inUdpChannelSendBytes( channel.get(), friendly.local().get(), "yes", 3 );
+        EXPECT_EQ( support::payload( friendly.await() ), "yes" );
+        EXPECT_FALSE( foe.receive() );
+    }
+}
+
 TEST( UdpChannelsVector, HoldsRtpThenRtcp )
 {
     const auto stack = stackOn( "127.0.0.1", 27004, 2 );
@@ -213,7 +257,6 @@ TEST( UdpChannelDeathTest, Preconditions )
     const auto remote = local( channel );
     const auto buffer = bytes( "0123" ), empty = bytes( "" );
     struct inMapStack *map = reinterpret_cast<struct inMapStack *>( chan );
-    struct inFilter *filter = reinterpret_cast<struct inFilter *>( chan );
     const struct {
         std::function<void()> call;
         const char *text;
@@ -223,7 +266,6 @@ TEST( UdpChannelDeathTest, Preconditions )
         { [&] { channelOn( nullptr ); }, "stack" },
         { [&] { inUdpChannelTryCreate( stack.get(), nullptr, map, nullptr, any, 0, nullptr ); },
           "!optionalMapStack: there is no address mapping yet" },
-        { [&] { rtpPairOn( stack, filter ); }, "!optionalFilter: there are no address filters yet" },
         { [&] { inUdpChannelSendBytes( chan, nullptr, "", 0 ); }, "remoteAddress" },
         { [&] { inUdpChannelSendBytes( chan, remote.get(), nullptr, 1 ); }, "bytes || !byteCount" },
         { [&] { inUdpChannelSendBytes( chan, remote.get(), "", -1 ); }, "byteCount >= 0" },

@@ -8,6 +8,9 @@
 #include "in/base/in_stack_imp_internal.h"
 #include "in/base/in_stack_internal.h"
 #include "in/csupdate/in_csupdate_internal.h"
+#include "in/filter/in_filter_entry_flags_internal.h"
+#include "in/filter/in_filter_imp_internal.h"
+#include "in/filter/in_filter_internal.h"
 #include "in/imp/in_imp_dns_internal.h"
 #include "in/imp/in_imp_qos_internal.h"
 #include "in/imp/in_imp_udp_internal.h"
@@ -69,6 +72,8 @@ pbBool in___ModuleStartup( void )
     in___AddressVersionStartup();
     in___FlagsStartup();
     in___StackCsStartup();
+    in___FilterCsStartup();
+    in___FilterEntryFlagsStartup();
     in___ImpDnsStartup();
     in___ImpQosStartup();
     in___ImpUdpStartup();
@@ -109,13 +114,16 @@ void in___ModuleShutdown( void )
     in___NwStackImpHaltWait();
     in___NwInterfacesShutdown();
     in___NwStackCsShutdown();
+    in___FilterCsShutdown();
     in___StackCsShutdown();
 }
 
 // Phase two: wait for what runs, then release what it used.
 void in___ModuleShutdownWait( void )
 {
-    // A stack that was released during a run goes with that run's end, and still uses the interfaces then.
+    // What was released during a run goes with that run's end: a filter leaves its stack then, and a stack still uses
+    // the interfaces.
+    in___FilterImpHaltWait();
     in___StackImpHaltWait();
     in___NwStackImpHaltWait();
     in___UdpFlagsShutdown();
@@ -131,6 +139,7 @@ void in___ModuleShutdownWait( void )
     in___ImpUdpShutdown();
     in___ImpQosShutdown();
     in___ImpDnsShutdown();
+    in___FilterEntryFlagsShutdown();
     in___FlagsShutdown();
     in___AddressVersionShutdown();
 }

@@ -1,4 +1,4 @@
-// inUdpChannel: a stack's channel over a socket of the UDP backend, traced.
+// inUdpChannel: a stack's channel over a socket of the UDP backend, filtered and traced.
 #include "in/udp/in_udp_channel.h"
 
 #include "in/base/in_options.h"
@@ -20,8 +20,10 @@
 PB_SORT_DECLARE( in___sort_IN_UDP_CHANNEL )
 
 struct inUdpChannel final : pb::Object<struct inUdpChannel, in___sort_IN_UDP_CHANNEL> {
-    inUdpChannel( pb::Ref<struct trStream> stream, struct inStack *stack, pbInt intImpUdpChannel )
-        : stream( std::move( stream ) ), stack( pb::share( stack ) ), intImpUdpChannel( intImpUdpChannel )
+    inUdpChannel( pb::Ref<struct trStream> stream, struct inStack *stack, struct inFilter *optionalFilter,
+                  pbInt intImpUdpChannel )
+        : stream( std::move( stream ) ), stack( pb::share( stack ) ), filter( pb::share( optionalFilter ) ),
+          intImpUdpChannel( intImpUdpChannel )
     {}
     ~inUdpChannel()
     {
@@ -36,6 +38,7 @@ struct inUdpChannel final : pb::Object<struct inUdpChannel, in___sort_IN_UDP_CHA
     // Fixed after construction.
     const pb::Ref<struct trStream> stream;
     const pb::Ref<struct inStack> stack;
+    const pb::Ref<struct inFilter> filter; // or null
     const pbInt intImpUdpChannel; // owned; has the QoS stack and the flags
 };
 
@@ -52,7 +55,7 @@ pbInt impOf( const struct inUdpChannel *chan )
 }
 
 pb::Ref<struct trStream> openStream( struct inStack *stack, struct inQosStack *optionalQosStack,
-                                     struct trAnchor *optionalAnchor )
+                                     struct inFilter *optionalFilter, struct trAnchor *optionalAnchor )
 {
     auto stream = pb::adopt( trStreamCreateCstr( "IN_UDP_CHANNEL", -1 ) );
     trStreamSetPayloadTypeCstr( stream.get(), "PB_BUFFER", -1 );
@@ -62,6 +65,9 @@ pb::Ref<struct trStream> openStream( struct inStack *stack, struct inQosStack *o
     if ( optionalQosStack )
         inQosStackTraceCompleteAnchor( optionalQosStack,
                                        pb::adopt( trAnchorCreate( stream.get(), TR_ANCHOR_KIND_USE ) ).get() );
+    if ( optionalFilter )
+        inFilterTraceCompleteAnchor( optionalFilter,
+                                     pb::adopt( trAnchorCreate( stream.get(), TR_ANCHOR_KIND_USE ) ).get() );
     return stream;
 }
 
@@ -70,12 +76,24 @@ void traceFlags( struct trStream *stream, uint64_t flags )
     trStreamSetPropertyCstrString( stream, "inUdpFlags", -1, pb::adopt( inUdpFlagsToString( flags ) ).get() );
 }
 
-struct inUdpChannel *create( pb::Ref<struct trStream> stream, struct inStack *stack, pbInt intImpUdpChannel )
+struct inUdpChannel *create( pb::Ref<struct trStream> stream, struct inStack *stack, struct inFilter *optionalFilter,
+                             pbInt intImpUdpChannel )
 {
     const auto localAddress = pb::adopt( in___ImpUdpChannelLocalAddress( intImpUdpChannel ) );
     trStreamSetPropertyCstrString( stream.get(), "inLocalUdpAddress", -1,
                                    pb::adopt( inUdpAddressToString( localAddress.get() ) ).get() );
-    return pb::make<struct inUdpChannel>( std::move( stream ), stack, intImpUdpChannel ).release();
+    return pb::make<struct inUdpChannel>( std::move( stream ), stack, optionalFilter, intImpUdpChannel ).release();
+}
+
+bool permits( const struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress )
+{
+    return !chan->filter || inFilterCheckUdpAddress( chan->filter.get(), remoteAddress );
+}
+
+void traceFiltered( const struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress )
+{
+    trStreamSetPropertyCstrString( chan->stream.get(), "inFilteredUdpAddress", -1,
+                                   pb::adopt( inUdpAddressToString( remoteAddress ) ).get() );
 }
 
 // IN___IMP_UDP_CHANNEL_INVALID, and the reason traced, when it cannot be had.
@@ -112,22 +130,21 @@ struct inUdpChannel *inUdpChannelTryCreate( struct inStack *stack, struct inQosS
     PB_ASSERT( stack );
     PB_ASSERT( optionalLocalPort == IN_UDP_PORT_INVALID || IN_UDP_PORT_OK( optionalLocalPort ) );
     PB_ASSERT_TEXT( !optionalMapStack, "!optionalMapStack: there is no address mapping yet" );
-    PB_ASSERT_TEXT( !optionalFilter, "!optionalFilter: there are no address filters yet" );
     flags = inUdpFlagsNormalize( flags );
-    auto stream = openStream( stack, optionalQosStack, optionalAnchor );
+    auto stream = openStream( stack, optionalQosStack, optionalFilter, optionalAnchor );
     tr::text( stream.get(), "[inUdpChannelTryCreate()] optionalLocalPort: %i", optionalLocalPort );
     traceFlags( stream.get(), flags );
     const pbInt chan = tryCreateImp( stream.get(), stack, optionalQosStack, optionalLocalPort, flags );
-    return IN___IMP_UDP_CHANNEL_OK( chan ) ? create( std::move( stream ), stack, chan ) : nullptr;
+    return IN___IMP_UDP_CHANNEL_OK( chan ) ? create( std::move( stream ), stack, optionalFilter, chan ) : nullptr;
 }
 
-struct inUdpChannel *in___UdpChannelCreate( struct inStack *stack, pbInt intImpUdpChannel,
-                                            struct trAnchor *optionalAnchor )
+struct inUdpChannel *in___UdpChannelCreate( struct inStack *stack, struct inFilter *optionalFilter,
+                                            pbInt intImpUdpChannel, struct trAnchor *optionalAnchor )
 {
     const auto qosStack = pb::adopt( in___ImpUdpChannelQosStack( intImpUdpChannel ) );
-    auto stream = openStream( stack, qosStack.get(), optionalAnchor );
+    auto stream = openStream( stack, qosStack.get(), optionalFilter, optionalAnchor );
     traceFlags( stream.get(), in___ImpUdpChannelFlags( intImpUdpChannel ) );
-    return create( std::move( stream ), stack, intImpUdpChannel );
+    return create( std::move( stream ), stack, optionalFilter, intImpUdpChannel );
 }
 
 struct inStack *inUdpChannelStack( const struct inUdpChannel *chan )
@@ -161,13 +178,13 @@ pbBool inUdpChannelHasMapStack( const struct inUdpChannel *chan )
 struct inFilter *inUdpChannelFilter( const struct inUdpChannel *chan )
 {
     PB_ASSERT( chan );
-    return nullptr;
+    return chan->filter.share();
 }
 
 pbBool inUdpChannelHasFilter( const struct inUdpChannel *chan )
 {
     PB_ASSERT( chan );
-    return 0;
+    return PB_BOOL_FROM( chan->filter );
 }
 
 struct inUdpAddress *inUdpChannelLocalAddress( const struct inUdpChannel *chan )
@@ -219,6 +236,11 @@ void inUdpChannelSendBytes( struct inUdpChannel *chan, const struct inUdpAddress
     PB_ASSERT( remoteAddress );
     PB_ASSERT( bytes || !byteCount );
     PB_ASSERT( byteCount >= 0 );
+    if ( !permits( chan, remoteAddress ) ) {
+        tr::text( chan->stream.get(), "[inUdpChannelSendBytes()] inFilterCheckUdpAddress(): false" );
+        traceFiltered( chan, remoteAddress );
+        return;
+    }
     if ( trSystemAcceptsHighVolumeMessages() )
         tr::message( chan->stream.get(), pb::adopt( pbBufferCreateFromBytes( bytes, byteCount ) ).get(),
                      "[inUdpChannelSendBytes()] bytesSent: %i, remoteAddress: %o", byteCount, remoteAddress );
@@ -280,17 +302,28 @@ void inUdpChannelSendBufferOuter( struct inUdpChannel *chan, const struct inUdpA
     inUdpChannelSendBytes( chan, remoteAddress, pbBufferBacking( outer.get() ), pbBufferLength( outer.get() ) );
 }
 
+// Takes refused packets out of the queue, too: only one that is permitted ends it, or none.
 struct inUdpPacket *inUdpChannelReceive( struct inUdpChannel *chan )
 {
     const pbInt imp = impOf( chan );
-    if ( in___ImpUdpChannelError( imp ) )
-        return nullptr;
-    auto packet = pb::adopt( in___ImpUdpChannelReceive( imp ) );
-    if ( packet && trSystemAcceptsHighVolumeMessages() )
-        tr::message( chan->stream.get(), pb::adopt( inUdpPacketPayload( packet.get() ) ).get(),
-                     "[inUdpChannelReceive()] bytesReceived: %i, remoteAddress: %o",
-                     inUdpPacketPayloadLength( packet.get() ), pb::adopt( inUdpPacketRemoteAddress( packet.get() ) ) );
-    return packet.release();
+    while ( !in___ImpUdpChannelError( imp ) ) {
+        auto packet = pb::adopt( in___ImpUdpChannelReceive( imp ) );
+        if ( !packet )
+            return nullptr;
+        const bool everyPacket = trSystemAcceptsHighVolumeMessages();
+        const auto remoteAddress =
+            everyPacket || chan->filter ? pb::adopt( inUdpPacketRemoteAddress( packet.get() ) ) : nullptr;
+        if ( everyPacket )
+            tr::message( chan->stream.get(), pb::adopt( inUdpPacketPayload( packet.get() ) ).get(),
+                         "[inUdpChannelReceive()] bytesReceived: %i, remoteAddress: %o",
+                         inUdpPacketPayloadLength( packet.get() ), remoteAddress );
+        if ( permits( chan, remoteAddress.get() ) )
+            return packet.release();
+        if ( everyPacket )
+            tr::text( chan->stream.get(), "[inUdpChannelReceive()] inFilterCheckUdpAddress(): false" );
+        traceFiltered( chan, remoteAddress.get() );
+    }
+    return nullptr;
 }
 
 void inUdpChannelReceiveAddAlertable( struct inUdpChannel *chan, struct pbAlertable *alertable )

@@ -6,7 +6,7 @@
 //            happen before the module's shut-down enters phase two.
 // Failures:  TryCreate returns null and traces the failed step. A failed socket shows in Error for good; after that
 //            Receive returns null, also when packets had been queued. Send never fails visibly: a datagram that the
-//            system refuses is lost.
+//            system refuses is lost, and so is one to a peer that the filter refuses.
 #ifndef IN_UDP_CHANNEL_H
 #define IN_UDP_CHANNEL_H
 
@@ -38,9 +38,8 @@ IN_API pbInt inUdpChannelCompare( const struct inUdpChannel *a, const struct inU
 IN_API pbBool inUdpChannelEquals( const struct inUdpChannel *a, const struct inUdpChannel *b );
 
 // optionalLocalPort: 1..65535, or IN_UDP_PORT_INVALID for one of the port range of the stack's UDP options, else,
-// without a range, one that the system chooses. flags: IN_UDP_FLAG_. The map stack and the filter must be null until
-// there are any. Null when the stack has no address, the port or every port of the range is in use, or the system
-// refuses a socket.
+// without a range, one that the system chooses. flags: IN_UDP_FLAG_. The map stack must be null until there are any.
+// Null when the stack has no address, the port or every port of the range is in use, or the system refuses a socket.
 IN_API struct inUdpChannel *inUdpChannelTryCreate( struct inStack *stack, struct inQosStack *optionalQosStack,
                                                    struct inMapStack *optionalMapStack, struct inFilter *optionalFilter,
                                                    pbInt optionalLocalPort, uint64_t flags,
@@ -85,7 +84,8 @@ IN_API void inUdpChannelSendBufferInner( struct inUdpChannel *chan, const struct
 IN_API void inUdpChannelSendBufferOuter( struct inUdpChannel *chan, const struct inUdpAddress *remoteAddress,
                                          const struct pbBuffer *buffer, pbInt byteOffset, pbInt byteCount );
 
-// The oldest packet that has arrived, or null.
+// The oldest packet that has arrived, or null. Packets of peers that the filter refuses are dropped on the way, so that
+// a set alert may lead to none.
 IN_API struct inUdpPacket *inUdpChannelReceive( struct inUdpChannel *chan );
 // The alert is set while packets wait, also after an error: look at Error before waiting for it.
 IN_API void inUdpChannelReceiveAddAlertable( struct inUdpChannel *chan, struct pbAlertable *alertable );

@@ -14,10 +14,11 @@
 
 namespace {
 
-pb::Ref<struct inUdpChannel> wrap( struct trStream *stream, struct inStack *stack, pbInt chan )
+pb::Ref<struct inUdpChannel> wrap( struct trStream *stream, struct inStack *stack, struct inFilter *optionalFilter,
+                                   pbInt chan )
 {
     const auto anchor = pb::adopt( trAnchorCreate( stream, TR_ANCHOR_KIND_PLAIN ) );
-    return pb::adopt( in___UdpChannelCreate( stack, chan, anchor.get() ) );
+    return pb::adopt( in___UdpChannelCreate( stack, optionalFilter, chan, anchor.get() ) );
 }
 
 } // namespace
@@ -29,7 +30,6 @@ extern "C" struct pbVector *inUdpChannelsVectorTryCreateRtp( struct inStack *sta
 {
     PB_ASSERT( stack );
     PB_ASSERT_TEXT( !optionalMapStack, "!optionalMapStack: there is no address mapping yet" );
-    PB_ASSERT_TEXT( !optionalFilter, "!optionalFilter: there are no address filters yet" );
     const auto stream = pb::adopt( trStreamCreateCstr( "inUdpChannelsVectorTryCreateRtp()", -1 ) );
     if ( optionalAnchor )
         trAnchorComplete( optionalAnchor, stream.get() );
@@ -55,6 +55,6 @@ extern "C" struct pbVector *inUdpChannelsVectorTryCreateRtp( struct inStack *sta
     }
     auto channels = pb::adopt( pbVectorCreate() );
     for ( const pbInt chan : { rtpChannel, rtcpChannel } )
-        pbVectorAppend( channels.address(), inUdpChannelObj( wrap( stream.get(), stack, chan ).get() ) );
+        pbVectorAppend( channels.address(), inUdpChannelObj( wrap( stream.get(), stack, optionalFilter, chan ).get() ) );
     return channels.release();
 }

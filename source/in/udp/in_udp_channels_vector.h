@@ -15,8 +15,8 @@ struct pbVector;
 struct trAnchor;
 
 // Two inUdpChannel, RTP first; ports from the range of the stack's UDP options, else as the system chooses. Null, and
-// the step traced, when the stack has no address or no pair was found within a bounded search. The map stack and the
-// filter must be null until there are any.
+// the step traced, when the stack has no address or no pair was found within a bounded search. The map stack must be null
+// until there are any.
 IN_API struct pbVector *inUdpChannelsVectorTryCreateRtp( struct inStack *stack, struct inQosStack *optionalQosStack,
                                                          struct inMapStack *optionalMapStack,
                                                          struct inFilter *optionalFilter, uint64_t flags,
