@@ -22,6 +22,7 @@
 #include "in/dns/in_dns_query.h"
 #include "in/dns/in_dns_query_addresses.h"
 #include "in/dns/in_dns_query_domain_names.h"
+#include "in/dns/in_dns_query_failure.h"
 #include "in/dns/in_dns_query_srv.h"
 #include "in/dns/in_dns_question_record.h"
 #include "in/dns/in_dns_record_type.h"

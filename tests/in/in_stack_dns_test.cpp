@@ -81,8 +81,8 @@ TEST( DnsQueries, KeepAnswersForTheirTime )
     in___DnsQueryAddressesImpEndSet( good.get(), addresses( { "192.0.2.1" } ).get() );
     EXPECT_TRUE( pbBarrierPassTimed( asked.barrier.get(), 0 ) );
     in___DnsQueryAddressesImpErrorSet( bad.get() );
-    asked.table.collectEnded( 1000, asked.options.get() );
-    asked.table.collectEnded( 2000, asked.options.get() ); // nothing new
+    asked.table.collectEnded( 1000, asked.options.get(), asked.dropped );
+    asked.table.collectEnded( 2000, asked.options.get(), asked.dropped ); // nothing new
     EXPECT_EQ( asked.table.earliestExpiry(), 1010 );
     asked.table.expire( 1009, asked.dropped );
     EXPECT_TRUE( asked.knows( "bad" ) );
@@ -98,7 +98,7 @@ TEST( DnsQueries, KeepAnswersForTheirTime )
     // Times that overflow last.
     inDnsOptionsSetCacheTimeout( asked.options.address(), PB_INT_MAX );
     in___DnsQueryAddressesImpEndSet( running.get(), addresses( { "192.0.2.1" } ).get() );
-    asked.table.collectEnded( 1000, asked.options.get() );
+    asked.table.collectEnded( 1000, asked.options.get(), asked.dropped );
     EXPECT_EQ( asked.table.earliestExpiry(), PB_INT_MAX );
 }
 
@@ -107,13 +107,13 @@ TEST( DnsQueries, FlushFailsWhatRunsAndForgetsTheRest )
     Asked asked;
     const Imp known = asked.ask( "known" ), running = asked.ask( "running" ), ended = asked.ask( "ended" );
     in___DnsQueryAddressesImpEndSet( known.get(), addresses( { "192.0.2.1" } ).get() );
-    asked.table.collectEnded( 1000, asked.options.get() );
+    asked.table.collectEnded( 1000, asked.options.get(), asked.dropped );
     in___DnsQueryAddressesImpEndSet( ended.get(), addresses( { "192.0.2.1" } ).get() );
     asked.table.flush( asked.dropped );
     EXPECT_TRUE( in___DnsQueryAddressesImpEnd( running.get() ) && in___DnsQueryAddressesImpError( running.get() ) );
     EXPECT_FALSE( in___DnsQueryAddressesImpError( ended.get() ) );
     EXPECT_FALSE( asked.knows( "known" ) || asked.knows( "running" ) || asked.knows( "ended" ) );
-    asked.table.collectEnded( 1000, asked.options.get() );
+    asked.table.collectEnded( 1000, asked.options.get(), asked.dropped );
     EXPECT_EQ( asked.table.earliestExpiry(), std::nullopt );
 }
 
@@ -124,7 +124,7 @@ TEST( DnsQueries, AreListedWithWhatIsLeftOfTheirTime )
     const Imp running = asked.ask( "running" );
     in___DnsQueryAddressesImpEndSet( good.get(), addresses( { "192.0.2.1", "192.0.2.2" } ).get() );
     in___DnsQueryAddressesImpErrorSet( bad.get() );
-    asked.table.collectEnded( 1000, asked.options.get() );
+    asked.table.collectEnded( 1000, asked.options.get(), asked.dropped );
     in___DnsQueryAddressesImpEndSet( ended.get(), addresses( {} ).get() );
     const auto listed = [&asked]( size_t limit, pbInt now ) {
         auto queries = pb::adopt( pbStoreCreate() );

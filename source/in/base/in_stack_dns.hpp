@@ -8,6 +8,7 @@
 #include "in/dns/in_dns_query_addresses_imp_internal.h"
 #include "in/dns/in_dns_query_domain_names_imp_internal.h"
 #include "in/dns/in_dns_query_srv_imp_internal.h"
+#include "in/dns/in_dns_query_state.hpp"
 #include "in/imp/in_imp_dns_internal.h"
 #include "pb/pb_dict.h"
 #include "pb/pb_store.h"
@@ -33,7 +34,6 @@ struct DnsAddresses {
     static constexpr auto create = in___DnsQueryAddressesImpCreate;
     static constexpr auto end = in___DnsQueryAddressesImpEnd;
     static constexpr auto error = in___DnsQueryAddressesImpError;
-    static constexpr auto errorSet = in___DnsQueryAddressesImpErrorSet;
     static constexpr auto endAddSignalable = in___DnsQueryAddressesImpEndAddSignalable;
     static constexpr auto traceCompleteAnchor = in___DnsQueryAddressesImpTraceCompleteAnchor;
     static constexpr auto resolve = in___ImpDnsQueryAddresses;
@@ -52,7 +52,6 @@ struct DnsDomainNames {
     static constexpr auto create = in___DnsQueryDomainNamesImpCreate;
     static constexpr auto end = in___DnsQueryDomainNamesImpEnd;
     static constexpr auto error = in___DnsQueryDomainNamesImpError;
-    static constexpr auto errorSet = in___DnsQueryDomainNamesImpErrorSet;
     static constexpr auto endAddSignalable = in___DnsQueryDomainNamesImpEndAddSignalable;
     static constexpr auto traceCompleteAnchor = in___DnsQueryDomainNamesImpTraceCompleteAnchor;
     static constexpr auto resolve = in___ImpDnsQueryDomainNames;
@@ -71,7 +70,6 @@ struct DnsSrv {
     static constexpr auto create = in___DnsQuerySrvImpCreate;
     static constexpr auto end = in___DnsQuerySrvImpEnd;
     static constexpr auto error = in___DnsQuerySrvImpError;
-    static constexpr auto errorSet = in___DnsQuerySrvImpErrorSet;
     static constexpr auto endAddSignalable = in___DnsQuerySrvImpEndAddSignalable;
     static constexpr auto traceCompleteAnchor = in___DnsQuerySrvImpTraceCompleteAnchor;
     static constexpr auto resolve = in___ImpDnsQuerySrv;
@@ -104,7 +102,7 @@ template <class Kind> class DnsQueries {
     void flush( DnsDropped &dropped )
     {
         for ( Imp &imp : running_ ) {
-            Kind::errorSet( imp.get() );
+            dns::stateOf( imp.get() ).fail( IN_DNS_QUERY_FAILURE_FLUSHED );
             drop( imp, dropped );
         }
         for ( auto &[expiry, imp] : known_ )
@@ -114,15 +112,17 @@ template <class Kind> class DnsQueries {
         byKey_ = pb::adopt( pbDictCreate() );
     }
 
-    // What has ended since the last call is known from now on, for the time that the options give it.
-    void collectEnded( pbInt now, const struct inDnsOptions *options )
+    // What has ended since the last call is known from now on, for the time that the options give it; but what was
+    // given up is forgotten.
+    void collectEnded( pbInt now, const struct inDnsOptions *options, DnsDropped &dropped )
     {
         std::erase_if( running_, [&]( Imp &imp ) {
             if ( !Kind::end( imp.get() ) )
                 return false;
-            const pbInt timeout = Kind::error( imp.get() ) ? inDnsOptionsNegativeCacheTimeout( options )
-                                                           : inDnsOptionsCacheTimeout( options );
-            known_.emplace( pbIntAddSaturating( now, timeout ), std::move( imp ) );
+            if ( dns::stateOf( imp.get() ).givenUp() )
+                forget( imp, dropped );
+            else
+                known_.emplace( pbIntAddSaturating( now, timeout( imp, options ) ), std::move( imp ) );
             return true;
         } );
     }
@@ -131,11 +131,8 @@ template <class Kind> class DnsQueries {
     void expire( pbInt now, DnsDropped &dropped )
     {
         const auto kept = known_.upper_bound( now );
-        for ( auto known = known_.begin(); known != kept; ++known ) {
-            const auto key = pb::adopt( Kind::key( known->second.get() ) );
-            pbDictDelObjKey( byKey_.address(), Kind::keyObj( key.get() ) );
-            drop( known->second, dropped );
-        }
+        for ( auto known = known_.begin(); known != kept; ++known )
+            forget( known->second, dropped );
         known_.erase( known_.begin(), kept );
     }
 
@@ -159,6 +156,19 @@ template <class Kind> class DnsQueries {
     }
 
   private:
+    static pbInt timeout( const Imp &imp, const struct inDnsOptions *options )
+    {
+        return Kind::error( imp.get() ) ? inDnsOptionsNegativeCacheTimeout( options )
+                                        : inDnsOptionsCacheTimeout( options );
+    }
+    // The key may have been given to a newer query.
+    void forget( Imp &imp, DnsDropped &dropped )
+    {
+        const auto key = pb::adopt( Kind::key( imp.get() ) );
+        if ( find( key.get() ).is( imp ) )
+            pbDictDelObjKey( byKey_.address(), Kind::keyObj( key.get() ) );
+        drop( imp, dropped );
+    }
     static void drop( Imp &imp, DnsDropped &dropped ) { dropped.push_back( pb::adopt( Kind::obj( imp.release() ) ) ); }
 
     pb::Ref<struct pbDict> byKey_ = pb::adopt( pbDictCreate() );

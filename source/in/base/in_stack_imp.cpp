@@ -242,7 +242,7 @@ void in___StackImp::keepAnswers( pbInt now, in::DnsDropped &dropped )
 {
     const auto dnsOptions = pb::adopt( inOptionsDnsOptions( optionsInEffect_.get() ) );
     const auto keep = [&]( auto &table ) {
-        table.collectEnded( now, dnsOptions.get() );
+        table.collectEnded( now, dnsOptions.get(), dropped );
         table.expire( now, dropped );
     };
     std::apply( [&]( auto &...tables ) { ( keep( tables ), ... ); }, queries_ );
@@ -270,7 +270,7 @@ typename Kind::Imp *in___StackImp::query( const typename Kind::Key *key, struct 
         pb::Guard guard( monitor );
         auto &table = std::get<in::DnsQueries<Kind>>( queries_ );
         imp = table.find( key );
-        if ( imp ) {
+        if ( imp && in::dns::stateOf( imp.get() ).tryJoin() ) {
             if ( optionalAnchor )
                 Kind::traceCompleteAnchor( imp.get(), optionalAnchor );
             return imp.release();
@@ -278,7 +278,7 @@ typename Kind::Imp *in___StackImp::query( const typename Kind::Key *key, struct 
         imp = pb::adopt( Kind::create( key, optionalAnchor ) );
         table.add( key, imp, signalable.get() );
         if ( isDisabled<Kind>( optionsInEffect_.get() ) ) {
-            Kind::errorSet( imp.get() );
+            in::dns::stateOf( imp.get() ).fail( IN_DNS_QUERY_FAILURE_DISABLED );
             return imp.release();
         }
     }

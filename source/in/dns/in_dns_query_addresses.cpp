@@ -6,6 +6,7 @@
 #include "in/dns/in_dns_idna.h"
 #include "in/dns/in_dns_query_addresses.hpp"
 #include "in/dns/in_dns_query_addresses_imp_internal.h"
+#include "in/dns/in_dns_query_state.hpp"
 #include "pb/pb_object.hpp"
 #include "pb/pb_vector.h"
 
@@ -14,9 +15,10 @@ PB_SORT_DECLARE( in___sort_IN_DNS_QUERY_ADDRESSES )
 struct inDnsQueryAddresses final : pb::Object<struct inDnsQueryAddresses, in___sort_IN_DNS_QUERY_ADDRESSES> {
     const pb::Ref<struct inStack> stack;
     const pb::Ref<struct in___DnsQueryAddressesImp> imp;
+    const in::dns::Asker asker;
 
     inDnsQueryAddresses( struct inStack *stack, struct in___DnsQueryAddressesImp *imp )
-        : stack( pb::share( stack ) ), imp( pb::adopt( imp ) )
+        : stack( pb::share( stack ) ), imp( pb::adopt( imp ) ), asker( in::dns::stateOf( imp ) )
     {
     }
 };
@@ -67,6 +69,12 @@ pbBool inDnsQueryAddressesError( const struct inDnsQueryAddresses *query )
 {
     PB_ASSERT( query );
     return in___DnsQueryAddressesImpError( query->imp.get() );
+}
+
+pbInt inDnsQueryAddressesFailure( const struct inDnsQueryAddresses *query )
+{
+    PB_ASSERT( query );
+    return in::dns::stateOf( query->imp.get() ).failure();
 }
 
 void inDnsQueryAddressesErrorAddSignalable( struct inDnsQueryAddresses *query, struct pbSignalable *signalable )

@@ -42,6 +42,8 @@ IN_API void inDnsQueryAddressesEndDelSignalable( struct inDnsQueryAddresses *que
 IN_API pbBool inDnsQueryAddressesError( const struct inDnsQueryAddresses *query );
 IN_API void inDnsQueryAddressesErrorAddSignalable( struct inDnsQueryAddresses *query, struct pbSignalable *signalable );
 IN_API void inDnsQueryAddressesErrorDelSignalable( struct inDnsQueryAddresses *query, struct pbSignalable *signalable );
+// Why it ended in error: IN_DNS_QUERY_FAILURE_* of in_dns_query_failure.h.
+IN_API pbInt inDnsQueryAddressesFailure( const struct inDnsQueryAddresses *query );
 IN_API void inDnsQueryAddressesTraceCompleteAnchor( struct inDnsQueryAddresses *query, struct trAnchor *anchor );
 
 // Of struct inAddress, ascending, IPv4 first; null, and of length 0, while the query runs and in error.

@@ -21,6 +21,11 @@ struct in___DnsQueryAddressesImp final
 
 PB_OBJECT_DEFINE( in___DnsQueryAddressesImp, in___sort_IN___DNS_QUERY_ADDRESSES_IMP )
 
+in::dns::QueryState &in::dns::stateOf( struct in___DnsQueryAddressesImp *imp )
+{
+    return imp->state;
+}
+
 struct in___DnsQueryAddressesImp *in___DnsQueryAddressesImpCreate( const struct pbString *domainName,
                                                                    struct trAnchor *optionalAnchor )
 {
@@ -45,7 +50,7 @@ void in___DnsQueryAddressesImpEndSet( struct in___DnsQueryAddressesImp *imp, con
 void in___DnsQueryAddressesImpErrorSet( struct in___DnsQueryAddressesImp *imp )
 {
     PB_ASSERT( imp );
-    imp->state.fail();
+    imp->state.fail( IN_DNS_QUERY_FAILURE_SYSTEM );
 }
 
 pbBool in___DnsQueryAddressesImpEnd( const struct in___DnsQueryAddressesImp *imp )

@@ -3,6 +3,7 @@
 
 #include "in/base/in_stack_internal.h"
 #include "in/dns/in_dns_query_domain_names_imp_internal.h"
+#include "in/dns/in_dns_query_state.hpp"
 #include "pb/pb_object.hpp"
 
 PB_SORT_DECLARE( in___sort_IN_DNS_QUERY_DOMAIN_NAMES )
@@ -10,9 +11,10 @@ PB_SORT_DECLARE( in___sort_IN_DNS_QUERY_DOMAIN_NAMES )
 struct inDnsQueryDomainNames final : pb::Object<struct inDnsQueryDomainNames, in___sort_IN_DNS_QUERY_DOMAIN_NAMES> {
     const pb::Ref<struct inStack> stack;
     const pb::Ref<struct in___DnsQueryDomainNamesImp> imp;
+    const in::dns::Asker asker;
 
     inDnsQueryDomainNames( struct inStack *stack, struct in___DnsQueryDomainNamesImp *imp )
-        : stack( pb::share( stack ) ), imp( pb::adopt( imp ) )
+        : stack( pb::share( stack ) ), imp( pb::adopt( imp ) ), asker( in::dns::stateOf( imp ) )
     {
     }
 };
@@ -63,6 +65,12 @@ pbBool inDnsQueryDomainNamesError( const struct inDnsQueryDomainNames *query )
 {
     PB_ASSERT( query );
     return in___DnsQueryDomainNamesImpError( query->imp.get() );
+}
+
+pbInt inDnsQueryDomainNamesFailure( const struct inDnsQueryDomainNames *query )
+{
+    PB_ASSERT( query );
+    return in::dns::stateOf( query->imp.get() ).failure();
 }
 
 void inDnsQueryDomainNamesErrorAddSignalable( struct inDnsQueryDomainNames *query, struct pbSignalable *signalable )

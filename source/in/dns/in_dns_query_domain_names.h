@@ -48,6 +48,8 @@ IN_API void inDnsQueryDomainNamesErrorAddSignalable( struct inDnsQueryDomainName
                                                      struct pbSignalable *signalable );
 IN_API void inDnsQueryDomainNamesErrorDelSignalable( struct inDnsQueryDomainNames *query,
                                                      struct pbSignalable *signalable );
+// Why it ended in error: IN_DNS_QUERY_FAILURE_* of in_dns_query_failure.h.
+IN_API pbInt inDnsQueryDomainNamesFailure( const struct inDnsQueryDomainNames *query );
 IN_API void inDnsQueryDomainNamesTraceCompleteAnchor( struct inDnsQueryDomainNames *query, struct trAnchor *anchor );
 
 // Of struct pbString; null, and of length 0, while the query runs and in error.

@@ -22,6 +22,11 @@ struct in___DnsQueryDomainNamesImp final
 
 PB_OBJECT_DEFINE( in___DnsQueryDomainNamesImp, in___sort_IN___DNS_QUERY_DOMAIN_NAMES_IMP )
 
+in::dns::QueryState &in::dns::stateOf( struct in___DnsQueryDomainNamesImp *imp )
+{
+    return imp->state;
+}
+
 struct in___DnsQueryDomainNamesImp *in___DnsQueryDomainNamesImpCreate( const struct inAddress *address,
                                                                        struct trAnchor *optionalAnchor )
 {
@@ -47,7 +52,7 @@ void in___DnsQueryDomainNamesImpEndSet( struct in___DnsQueryDomainNamesImp *imp,
 void in___DnsQueryDomainNamesImpErrorSet( struct in___DnsQueryDomainNamesImp *imp )
 {
     PB_ASSERT( imp );
-    imp->state.fail();
+    imp->state.fail( IN_DNS_QUERY_FAILURE_SYSTEM );
 }
 
 pbBool in___DnsQueryDomainNamesImpEnd( const struct in___DnsQueryDomainNamesImp *imp )

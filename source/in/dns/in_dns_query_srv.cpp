@@ -4,6 +4,7 @@
 #include "in/base/in_stack_internal.h"
 #include "in/dns/in_dns_idna.h"
 #include "in/dns/in_dns_query_srv_imp_internal.h"
+#include "in/dns/in_dns_query_state.hpp"
 #include "pb/pb_object.hpp"
 
 PB_SORT_DECLARE( in___sort_IN_DNS_QUERY_SRV )
@@ -11,9 +12,10 @@ PB_SORT_DECLARE( in___sort_IN_DNS_QUERY_SRV )
 struct inDnsQuerySrv final : pb::Object<struct inDnsQuerySrv, in___sort_IN_DNS_QUERY_SRV> {
     const pb::Ref<struct inStack> stack;
     const pb::Ref<struct in___DnsQuerySrvImp> imp;
+    const in::dns::Asker asker;
 
     inDnsQuerySrv( struct inStack *stack, struct in___DnsQuerySrvImp *imp )
-        : stack( pb::share( stack ) ), imp( pb::adopt( imp ) )
+        : stack( pb::share( stack ) ), imp( pb::adopt( imp ) ), asker( in::dns::stateOf( imp ) )
     {
     }
 };
@@ -62,6 +64,12 @@ pbBool inDnsQuerySrvError( const struct inDnsQuerySrv *query )
 {
     PB_ASSERT( query );
     return in___DnsQuerySrvImpError( query->imp.get() );
+}
+
+pbInt inDnsQuerySrvFailure( const struct inDnsQuerySrv *query )
+{
+    PB_ASSERT( query );
+    return in::dns::stateOf( query->imp.get() ).failure();
 }
 
 void inDnsQuerySrvErrorAddSignalable( struct inDnsQuerySrv *query, struct pbSignalable *signalable )

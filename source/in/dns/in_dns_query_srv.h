@@ -43,6 +43,8 @@ IN_API void inDnsQuerySrvEndDelSignalable( struct inDnsQuerySrv *query, struct p
 IN_API pbBool inDnsQuerySrvError( const struct inDnsQuerySrv *query );
 IN_API void inDnsQuerySrvErrorAddSignalable( struct inDnsQuerySrv *query, struct pbSignalable *signalable );
 IN_API void inDnsQuerySrvErrorDelSignalable( struct inDnsQuerySrv *query, struct pbSignalable *signalable );
+// Why it ended in error: IN_DNS_QUERY_FAILURE_* of in_dns_query_failure.h.
+IN_API pbInt inDnsQuerySrvFailure( const struct inDnsQuerySrv *query );
 IN_API void inDnsQuerySrvTraceCompleteAnchor( struct inDnsQuerySrv *query, struct trAnchor *anchor );
 
 // Of struct inDnsDataInSrv in the order in which they are to be tried; null, and of length 0, while the query runs and

@@ -20,6 +20,11 @@ struct in___DnsQuerySrvImp final : pb::Object<struct in___DnsQuerySrvImp, in___s
 
 PB_OBJECT_DEFINE( in___DnsQuerySrvImp, in___sort_IN___DNS_QUERY_SRV_IMP )
 
+in::dns::QueryState &in::dns::stateOf( struct in___DnsQuerySrvImp *imp )
+{
+    return imp->state;
+}
+
 struct in___DnsQuerySrvImp *in___DnsQuerySrvImpCreate( const struct pbString *service, struct trAnchor *optionalAnchor )
 {
     PB_ASSERT( inDnsIdnaDomainNameOk( service ) );
@@ -43,7 +48,7 @@ void in___DnsQuerySrvImpEndSet( struct in___DnsQuerySrvImp *imp, const struct pb
 void in___DnsQuerySrvImpErrorSet( struct in___DnsQuerySrvImp *imp )
 {
     PB_ASSERT( imp );
-    imp->state.fail();
+    imp->state.fail( IN_DNS_QUERY_FAILURE_SYSTEM );
 }
 
 pbBool in___DnsQuerySrvImpEnd( const struct in___DnsQuerySrvImp *imp )

@@ -38,15 +38,52 @@ void QueryState::end( const struct pbVector *result, const char *property )
     trStreamSetPropertyCstrBool( trace_.get(), "inDnsError", -1, false );
 }
 
-void QueryState::fail()
+void QueryState::fail( pbInt failure )
 {
     pb::Guard guard( monitor_ );
+    failOnce( failure );
+}
+
+void QueryState::failOnce( pbInt failure )
+{
     if ( pbSignalAsserted( end_.get() ) )
         return;
+    failure_ = failure;
     pbSignalAssert( error_.get() );
     pbSignalAssert( end_.get() );
     trStreamSetNotable( trace_.get() );
     trStreamSetPropertyCstrBool( trace_.get(), "inDnsError", -1, true );
+}
+
+bool QueryState::tryJoin()
+{
+    pb::Guard guard( monitor_ );
+    if ( givenUp_ )
+        return false;
+    ++askers_;
+    return true;
+}
+
+void QueryState::leave()
+{
+    pb::Guard guard( monitor_ );
+    --askers_;
+}
+
+bool QueryState::tryGiveUp()
+{
+    pb::Guard guard( monitor_ );
+    if ( askers_ == 0 && !pbSignalAsserted( end_.get() ) ) {
+        givenUp_ = true;
+        failOnce( IN_DNS_QUERY_FAILURE_GIVEN_UP );
+    }
+    return pbSignalAsserted( end_.get() );
+}
+
+bool QueryState::givenUp() const
+{
+    pb::Guard guard( monitor_ );
+    return givenUp_;
 }
 
 bool QueryState::ended() const
@@ -59,6 +96,12 @@ bool QueryState::failed() const
 {
     pb::Guard guard( monitor_ );
     return pbSignalAsserted( error_.get() );
+}
+
+pbInt QueryState::failure() const
+{
+    pb::Guard guard( monitor_ );
+    return failure_;
 }
 
 pb::Ref<struct pbVector> QueryState::result() const

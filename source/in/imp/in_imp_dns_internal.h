@@ -15,7 +15,8 @@ void in___ImpDnsStartup( void );
 void in___ImpDnsShutdown( void );
 
 // Complete the query on another thread. Up to four look-ups run at a time, at most one of them for a service: service
-// queries that get no answer keep the others from nobody. Not with a monitor held.
+// queries that get no answer keep the others from nobody. What nobody asks for any more when its turn comes is given
+// up. Not with a monitor held.
 void in___ImpDnsQueryAddresses( struct in___DnsQueryAddressesImp *query );
 void in___ImpDnsQueryDomainNames( struct in___DnsQueryDomainNamesImp *query );
 void in___ImpDnsQuerySrv( struct in___DnsQuerySrvImp *query );

@@ -2,6 +2,7 @@
 #include "in/dns/in_dns_query_addresses_imp_internal.h"
 #include "in/dns/in_dns_query_domain_names_imp_internal.h"
 #include "in/dns/in_dns_query_srv_imp_internal.h"
+#include "in/dns/in_dns_query_state.hpp"
 #include "in/imp/in_imp_dns_unix_internal.h"
 #include "pb/pb_global.hpp"
 #include "pb/pb_monitor.hpp"
@@ -36,14 +37,16 @@ void lookUp( const Query &query )
         in___ImpDnsDoQuerySrv( std::get<Srv>( query ).get() );
 }
 
-void fail( const Query &query )
+in::dns::QueryState &stateOf( const Query &query )
 {
-    if ( const auto *addresses = std::get_if<Addresses>( &query ) )
-        in___DnsQueryAddressesImpErrorSet( addresses->get() );
-    else if ( const auto *domainNames = std::get_if<DomainNames>( &query ) )
-        in___DnsQueryDomainNamesImpErrorSet( domainNames->get() );
-    else
-        in___DnsQuerySrvImpErrorSet( std::get<Srv>( query ).get() );
+    return std::visit( []( const auto &imp ) -> in::dns::QueryState & { return in::dns::stateOf( imp.get() ); },
+                       query );
+}
+
+// What no thread takes up any more.
+void giveUp( const Query &query )
+{
+    stateOf( query ).fail( IN_DNS_QUERY_FAILURE_GIVEN_UP );
 }
 
 struct in___ImpDnsWorkItem;
@@ -120,7 +123,7 @@ void Queue::submit( Item item )
         }
     }
     if ( refused ) {
-        fail( item->query );
+        giveUp( item->query );
         item->halt();
     }
     else if ( itsTurn )
@@ -134,7 +137,9 @@ void Queue::run( in___ImpDnsWorkItem &item )
         if ( !waiting_.extract( &item ) )
             return; // failed meanwhile
     }
-    lookUp( item.query );
+    // Time-outs and changes of the stack leave queries behind that would keep the threads from those that follow.
+    if ( !stateOf( item.query ).tryGiveUp() )
+        lookUp( item.query );
     if ( item.isSrv() )
         passSrvTurn();
 }
@@ -165,7 +170,7 @@ void Queue::close()
         turns.swap( srvTurns_ );
     }
     for ( const auto &[key, item] : failed ) {
-        fail( item->query );
+        giveUp( item->query );
         item->halt();
     }
 }

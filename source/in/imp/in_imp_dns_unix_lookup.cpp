@@ -7,6 +7,7 @@
 #include "in/dns/in_dns_query_addresses_imp_internal.h"
 #include "in/dns/in_dns_query_domain_names_imp_internal.h"
 #include "in/dns/in_dns_query_srv_imp_internal.h"
+#include "in/dns/in_dns_query_state.hpp"
 #include "in/dns/in_dns_record_type.h"
 #include "in/dns/in_dns_resource_record.h"
 #include "in/imp/in_imp_dns_unix_internal.h"
@@ -32,7 +33,7 @@ namespace {
 
 using Vector = pb::Ref<struct pbVector>;
 
-// The trace of one look-up, linked to the query on whose behalf it is done.
+// The trace of one look-up, linked to the query on whose behalf it is done, and why it has no result.
 class Trace {
   public:
     explicit Trace( const char *name ) : stream_( pb::adopt( trStreamCreateCstr( name, -1 ) ) ) {}
@@ -45,24 +46,61 @@ class Trace {
     {
         tr::text( stream_.get(), format, arguments... );
     }
-    // What a person should look at; the look-up has no result then.
-    template <class... Arguments> Vector failure( const char *format, const Arguments &...arguments ) const
+    // What a person should look at.
+    template <class... Arguments> Vector fail( pbInt failure, const char *format, const Arguments &...arguments )
     {
+        failure_ = failure;
         trStreamSetNotable( stream_.get() );
         text( format, arguments... );
         return nullptr;
     }
-    Vector result( Vector found ) const
+    // The failure stands for a result that is empty.
+    Vector result( Vector found, pbInt failure = IN_DNS_QUERY_FAILURE_NO_DATA )
     {
-        if ( !found || pbVectorLength( found.get() ) == 0 )
-            return failure( "result: null" );
+        if ( pbVectorLength( found.get() ) == 0 )
+            return fail( failure, "result: null" );
         text( "result: %o", found );
         return found;
     }
+    pbInt failure() const { return failure_; }
 
   private:
     const pb::Ref<struct trStream> stream_;
+    pbInt failure_ = IN_DNS_QUERY_FAILURE_SYSTEM;
 };
+
+pbInt failureOfGetaddrinfo( int code )
+{
+    switch ( code ) {
+    case EAI_NONAME:
+        return IN_DNS_QUERY_FAILURE_NO_NAME;
+    case EAI_NODATA:
+    case EAI_ADDRFAMILY:
+        return IN_DNS_QUERY_FAILURE_NO_DATA;
+    case EAI_AGAIN:
+        return IN_DNS_QUERY_FAILURE_NO_ANSWER;
+    case EAI_FAIL:
+        return IN_DNS_QUERY_FAILURE_SERVER;
+    default:
+        return IN_DNS_QUERY_FAILURE_SYSTEM;
+    }
+}
+
+// Of a message without what was asked for.
+pbInt failureOfResponse( const struct inDnsMessage *msg )
+{
+    switch ( inDnsMessageResponse( msg ) ) { // RFC 1035, 4.1.1
+    case 0:
+        return IN_DNS_QUERY_FAILURE_NO_DATA;
+    case 3:
+        return IN_DNS_QUERY_FAILURE_NO_NAME;
+    default:
+        return IN_DNS_QUERY_FAILURE_SERVER;
+    }
+}
+
+// In ASCII form, without the full stop at the end (RFC 1035, 2.3.4: 255 bytes in wire format).
+constexpr pbInt longestName = 253;
 
 using Bytes = std::unique_ptr<char, decltype( &pbBytesZFree )>;
 
@@ -75,18 +113,21 @@ Bytes absolute( pb::String asciiName )
     return nodename;
 }
 
-Vector findAddresses( const Trace &trace, const struct pbString *name )
+Vector findAddresses( Trace &trace, const struct pbString *name )
 {
     trace.text( "domainName: %s", name );
     const auto domainName = pb::adopt( inDnsIdnaDomainNameToAscii( name ) );
     trace.text( "domainNameAscii: %s", domainName );
     PB_ASSERT_TEXT( !pbStringEndsWithChar( domainName.get(), PB_CHAR_FULL_STOP ),
                     "!pbStringEndsWithChar( domainName, PB_CHAR_FULL_STOP )" );
+    if ( pbStringLength( domainName.get() ) > longestName )
+        return trace.fail( IN_DNS_QUERY_FAILURE_NOT_ASKABLE, "pbStringLength( domainName ) > %i", longestName );
     const Bytes nodename = absolute( domainName );
 
     addrinfo *first = nullptr;
     if ( const int code = getaddrinfo( nodename.get(), nullptr, nullptr, &first ) )
-        return trace.failure( "getaddrinfo(): %~s", pb::adopt( unixErrorGetaddrinfoToString( code ) ) );
+        return trace.fail( failureOfGetaddrinfo( code ), "getaddrinfo(): %~s",
+                           pb::adopt( unixErrorGetaddrinfoToString( code ) ) );
     const std::unique_ptr<addrinfo, decltype( &freeaddrinfo )> list( first, freeaddrinfo );
 
     // Without hints each address comes once for each type of socket.
@@ -99,22 +140,23 @@ Vector findAddresses( const Trace &trace, const struct pbString *name )
     return trace.result( pb::adopt( pbDictKeysVector( found.get() ) ) );
 }
 
-Vector findDomainNames( const Trace &trace, const struct inAddress *address )
+Vector findDomainNames( Trace &trace, const struct inAddress *address )
 {
     trace.text( "address: %o", address );
     alignas( sockaddr_storage ) unsigned char sockaddr[sizeof( sockaddr_storage )];
     PB_ASSERT( in___ImpSockaddrSize() <= PB_SIZEOF_ARRAY( sockaddr ) );
     pbInt length = 0;
     if ( !in___ImpSockaddrFromAddress( sockaddr, &length, address ) )
-        return trace.failure( "in___ImpSockaddrFromAddress(): false" );
+        return trace.fail( IN_DNS_QUERY_FAILURE_SYSTEM, "in___ImpSockaddrFromAddress(): false" );
 
     char host[2048];
     if ( const int code = getnameinfo( reinterpret_cast<const struct sockaddr *>( sockaddr ),
                                        static_cast<socklen_t>( length ), host, sizeof host, nullptr, 0, 0 ) )
-        return trace.failure( "getnameinfo(): %~s", pb::adopt( unixErrorGetaddrinfoToString( code ) ) );
+        return trace.fail( failureOfGetaddrinfo( code ), "getnameinfo(): %~s",
+                           pb::adopt( unixErrorGetaddrinfoToString( code ) ) );
     const auto name = pb::adopt( pbStringCreateFromCstr( host, -1 ) );
     if ( !inDnsIdnaDomainNameOk( name.get() ) )
-        return trace.failure( "inDnsIdnaDomainNameOk(): false" );
+        return trace.fail( IN_DNS_QUERY_FAILURE_BAD_ANSWER, "inDnsIdnaDomainNameOk(): false" );
     auto names = pb::adopt( pbVectorCreate() );
     const auto unicode = pb::adopt( inDnsIdnaDomainNameToUnicode( name.get() ) );
     pbVectorAppend( names.address(), pbStringObj( unicode.get() ) );
@@ -122,7 +164,7 @@ Vector findDomainNames( const Trace &trace, const struct inAddress *address )
 }
 
 // The answer in wire format, or null.
-pb::Ref<struct pbBuffer> ask( const Trace &trace, const char *nodename )
+pb::Ref<struct pbBuffer> ask( Trace &trace, const char *nodename )
 {
     // The state of the resolver belongs to the thread.
     thread_local const bool initialised = res_init() == 0;
@@ -131,14 +173,14 @@ pb::Ref<struct pbBuffer> ask( const Trace &trace, const char *nodename )
     unsigned char query[4096];
     const int queryLength = res_mkquery( QUERY, nodename, ns_c_in, ns_t_srv, nullptr, 0, nullptr, query, sizeof query );
     if ( queryLength < 0 ) {
-        trace.failure( "res_mkquery(): %~s", pb::adopt( unixErrorToString( errno ) ) );
+        trace.fail( IN_DNS_QUERY_FAILURE_NOT_ASKABLE, "res_mkquery(): %~s", pb::adopt( unixErrorToString( errno ) ) );
         return nullptr;
     }
     constexpr int answerSize = 65536;
     auto answer = pb::adopt( pbBufferCreateUninitialized( answerSize ) );
     const int answerLength = res_send( query, queryLength, pbBufferBackingForWrite( answer.address() ), answerSize );
     if ( answerLength < 0 ) {
-        trace.failure( "res_send(): %~s", pb::adopt( unixErrorToString( errno ) ) );
+        trace.fail( IN_DNS_QUERY_FAILURE_NO_ANSWER, "res_send(): %~s", pb::adopt( unixErrorToString( errno ) ) );
         return nullptr;
     }
     return pb::adopt(
@@ -161,21 +203,23 @@ struct RankedSrv {
     }
 };
 
-Vector findSrv( const Trace &trace, const struct pbString *name )
+Vector findSrv( Trace &trace, const struct pbString *name )
 {
     trace.text( "service: %s", name );
     const auto service = pb::adopt( inDnsIdnaDomainNameToAscii( name ) );
     trace.text( "serviceAscii: %s", service );
     PB_ASSERT_TEXT( !pbStringEndsWithChar( service.get(), PB_CHAR_FULL_STOP ),
                     "!pbStringEndsWithChar( service, PB_CHAR_FULL_STOP )" );
+    if ( pbStringLength( service.get() ) > longestName )
+        return trace.fail( IN_DNS_QUERY_FAILURE_NOT_ASKABLE, "pbStringLength( service ) > %i", longestName );
     const auto answer = ask( trace, absolute( service ).get() );
     if ( !answer )
         return nullptr;
     const auto msg = pb::adopt( inDnsMessageTryDecode( answer.get() ) );
     if ( !msg )
-        return trace.failure( "inDnsMessageTryDecode(): null" );
+        return trace.fail( IN_DNS_QUERY_FAILURE_BAD_ANSWER, "inDnsMessageTryDecode(): null" );
 
-    return trace.result( pb::adopt( in___ImpDnsServiceData( msg.get() ) ) );
+    return trace.result( pb::adopt( in___ImpDnsServiceData( msg.get() ) ), failureOfResponse( msg.get() ) );
 }
 
 } // namespace
@@ -210,33 +254,33 @@ struct pbVector *in___ImpDnsServiceData( const struct inDnsMessage *msg )
 
 void in___ImpDnsDoQueryAddresses( struct in___DnsQueryAddressesImp *query )
 {
-    const Trace trace( "in___ImpDnsDoQueryAddresses()" );
+    Trace trace( "in___ImpDnsDoQueryAddresses()" );
     in___DnsQueryAddressesImpTraceCompleteAnchor( query, trace.anchor().get() );
     const auto domainName = pb::adopt( in___DnsQueryAddressesImpDomainName( query ) );
     if ( const Vector result = findAddresses( trace, domainName.get() ) )
         in___DnsQueryAddressesImpEndSet( query, result.get() );
     else
-        in___DnsQueryAddressesImpErrorSet( query );
+        in::dns::stateOf( query ).fail( trace.failure() );
 }
 
 void in___ImpDnsDoQueryDomainNames( struct in___DnsQueryDomainNamesImp *query )
 {
-    const Trace trace( "in___ImpDnsDoQueryDomainNames()" );
+    Trace trace( "in___ImpDnsDoQueryDomainNames()" );
     in___DnsQueryDomainNamesImpTraceCompleteAnchor( query, trace.anchor().get() );
     const auto address = pb::adopt( in___DnsQueryDomainNamesImpAddress( query ) );
     if ( const Vector result = findDomainNames( trace, address.get() ) )
         in___DnsQueryDomainNamesImpEndSet( query, result.get() );
     else
-        in___DnsQueryDomainNamesImpErrorSet( query );
+        in::dns::stateOf( query ).fail( trace.failure() );
 }
 
 void in___ImpDnsDoQuerySrv( struct in___DnsQuerySrvImp *query )
 {
-    const Trace trace( "in___ImpDnsDoQuerySrv()" );
+    Trace trace( "in___ImpDnsDoQuerySrv()" );
     in___DnsQuerySrvImpTraceCompleteAnchor( query, trace.anchor().get() );
     const auto service = pb::adopt( in___DnsQuerySrvImpService( query ) );
     if ( const Vector result = findSrv( trace, service.get() ) )
         in___DnsQuerySrvImpEndSet( query, result.get() );
     else
-        in___DnsQuerySrvImpErrorSet( query );
+        in::dns::stateOf( query ).fail( trace.failure() );
 }
