@@ -38,10 +38,12 @@ inline bool isShown( const CLI::App &command )
 // Each in its own file: adds the sub-command, whose callback sets context.run.
 void addInterfaces( CLI::App &root, Context &context );
 void addDnsServers( CLI::App &root, Context &context );
+void addResolve( CLI::App &root, Context &context );
 void addUdpSend( CLI::App &udp, Context &context );
 void addUdpReceive( CLI::App &udp, Context &context );
 void addRun( CLI::App &root, Context &context );
 void addTour( CLI::App &root, Context &context );
+void addTourNames( CLI::App &root, Context &context ); // run by the tour, not shown
 void addCheck( CLI::App &root, Context &context );
 void addMigrate( CLI::App &root, Context &context );
 void addExplain( CLI::App &root, Context &context );

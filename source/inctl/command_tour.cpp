@@ -8,6 +8,7 @@
 #include "inctl/marking.hpp"
 #include "inctl/qos_choice.hpp"
 #include "inctl/tour_example.hpp"
+#include "inctl/tour_names.hpp"
 #include "inctl/trace_catcher.hpp"
 #include "inctl/udp_opening.hpp"
 
@@ -45,7 +46,8 @@ public:
         showStacks();
         showPair();
         const bool returned = showExchange();
-        return showMarking() && returned;
+        const bool marked = showMarking();
+        return showNames( output_, record_ ) && returned && marked;
     }
 
 private:

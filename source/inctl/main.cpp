@@ -109,6 +109,7 @@ Exit run( int argumentCount, char **arguments )
     addJsonOption( app, context );
     addInterfaces( app, context );
     addDnsServers( app, context );
+    addResolve( app, context );
     CLI::App *udp = app.add_subcommand( "udp", "Send and receive datagrams through channels of the library" );
     udp->require_subcommand( 1 );
     udp->footer( exitCodes );
@@ -116,6 +117,7 @@ Exit run( int argumentCount, char **arguments )
     addUdpReceive( *udp, context );
     addRun( app, context );
     addTour( app, context );
+    addTourNames( app, context );
     addCheck( app, context );
     addMigrate( app, context );
     addExplain( app, context );

@@ -70,7 +70,7 @@ ChosenStack::ChosenStack( const StackChoice &choice, const struct inAddress *opt
     }
     const size_t colon = choice.fromStack.rfind( ':' );
     if ( colon == std::string::npos || colon == 0 || colon + 1 == choice.fromStack.size() )
-        throw Failure{ Exit::Usage, fmt::format( "--from-stack: {} is not FILE:OBJECT", choice.fromStack ) };
+        throw Failure{ Exit::Usage, fmt::format( "{}: {} is not FILE:OBJECT", choice.option, choice.fromStack ) };
     configuration_ = std::make_unique<Configuration>( choice.fromStack.substr( 0, colon ) );
     configuration_->start();
     stack_ = pb::adopt(

@@ -16,6 +16,7 @@ struct inAddress;
 namespace inctl {
 
 struct StackChoice {
+    const char *option = "--from-stack"; // what the user calls it
     std::string fromStack; // FILE:OBJECT
     std::string interface;
     std::string address;

@@ -1,4 +1,4 @@
-// The configuration that the tour shows when it is given none.
+// The configurations that the program carries: what the tour shows when it is given none, and its part about names.
 #ifndef INCTL_TOUR_EXAMPLE_HPP
 #define INCTL_TOUR_EXAMPLE_HPP
 
@@ -7,6 +7,7 @@
 namespace inctl {
 
 extern const std::string_view tourExample;
+extern const std::string_view namesExample;
 
 } // namespace inctl
 

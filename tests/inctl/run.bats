@@ -82,11 +82,16 @@ asleep() {
     local filter='.[0] | .exchange.sent == 10000 and .exchange.lost == 0
         and .marking.receivedLayer3Tos == 184 and .marking.socketLayer3Tos == 184 and .marking.socketLayer2Pcp == 5
         and .rtpUdpAddress.port % 2 == 0 and (.traces | length) > 3'
+    local names='.[0].names | ([.checks[].permitted] == [true, true, false] and .srvs[0].addresses == ["192.0.2.10", "2001:db8::10"])'
     expect_json 0 "$filter" tour --json
     expect 0 'is closed, every thread has ended' tour "$EXAMPLES/tour.json"
     if [ "$(id -u)" -eq 0 ]; then
         own_host
         start tour
         finish "" 0
+        expect_json 0 "$names" tour --json
+        # An ordinary user has it from a user namespace, or is told why not.
+        setpriv --reuid=65534 --regid=65534 --clear-groups "$INCTL" tour --json >"$BATS_TEST_TMPDIR/user"
+        jq -es "($names) or (.[0].names.leftOut | contains(\"namespaces\"))" "$BATS_TEST_TMPDIR/user"
     fi
 }

@@ -1,0 +1,81 @@
+#!/usr/bin/env bats
+# inctl resolve: names asked of a name server on a host of its own, and what it says when there is no answer.
+
+load common
+
+# A host whose resolver asks a server with a few names; inside runs a command there.
+names_host() {
+    [ "$(id -u)" -eq 0 ] || skip "needs namespaces"
+    own_host
+    local files=$BATS_TEST_TMPDIR
+    printf 'nameserver 127.0.0.1\noptions timeout:1 attempts:1\n' >"$files/resolv.conf"
+    printf 'hosts: files dns\n' >"$files/nsswitch.conf"
+    : >"$files/hosts"
+    cat >"$files/enter" <<'END'
+#!/bin/sh
+for name in resolv.conf nsswitch.conf hosts; do mount --bind "$0.d/$name" "/etc/$name"; done
+exec "$@"
+END
+    chmod +x "$files/enter"
+    ln -s . "$files/enter.d"
+    "${inside[@]}" dnsmasq -k -C /dev/null --no-resolv --no-hosts --listen-address=127.0.0.1 --bind-interfaces \
+        --pid-file= --user=root --log-facility=- --local=/test/ --local=/arpa/ --host-record=pbx.example.test,192.0.2.10,2001:db8::10 \
+        --txt-record=text.example.test,nothing --srv-host=_sip._udp.example.test,pbx.example.test,5060,10,50 \
+        --srv-host=_sip._udp.example.test,spare.example.test,5070,20,0 --srv-host=_none._udp.example.test \
+        --ptr-record=11.2.0.192.in-addr.arpa,eleven.example.test >"$files/server.log" 2>&1 3>&- &
+    started=$!
+    until grep -q started "$files/server.log"; do kill -0 "$started"; sleep 0.01; done
+    inside+=(unshare --mount "$files/enter")
+}
+
+# resolves CODE PATTERN ARGUMENTS...: like expect, on that host.
+resolves() {
+    local code=$1 pattern=$2
+    shift 2
+    run "${inside[@]}" "$INCTL" resolve "$@"
+    if [ "$status" -ne "$code" ] || ! grep -Eq -- "$pattern" <<<"$output"; then
+        printf 'resolve %s\nexpected %s with: %s\ngot %s with:\n%s\n' "$*" "$code" "$pattern" "$status" "$output"
+        return 1
+    fi
+}
+
+@test "resolve: addresses, names and services, and why there are none" {
+    names_host
+    resolves 0 '^192\.0\.2\.10$' pbx.example.test
+    resolves 0 '^2 addresses in [0-9.]+ ms$' pbx.example.test
+    resolves 0 '^eleven\.example\.test$' --ptr 192.0.2.11
+    resolves 0 'the address itself: the resolver knows no name' --ptr 192.0.2.12
+    resolves 0 '^ *1 +10 +50 +5060 +pbx\.example\.test' --srv _sip._udp.example.test
+    resolves 0 '^ *2 +20 +0 +5070 +spare\.example\.test' --srv _sip._udp.example.test
+    resolves 1 'there is no name gone\.test \(NXDOMAIN\)' gone.test
+    resolves 1 'there is no name _gone\._udp\.test \(NXDOMAIN\)' --srv _gone._udp.test
+    resolves 1 'is a name, but has no addresses' text.example.test
+    resolves 1 'no name server gave an answer about host\.elsewhere' host.elsewhere
+    "${inside[@]}" "$INCTL" resolve --json --srv _sip._udp.example.test |
+        jq -e '.service == "_sip._udp.example.test" and .srvs[0] == {priority: 10, weight: 50, port: 5060, target: "pbx.example.test"}
+               and (.milliseconds | type) == "number"'
+    "${inside[@]}" "$INCTL" resolve --json pbx.example.test | jq -e '.addresses == ["192.0.2.10", "2001:db8::10"]'
+    run "${inside[@]}" "$INCTL" resolve --json gone.test
+    [ "$status" -eq 1 ]
+    grep -Eq '"failure": ?"IN_DNS_QUERY_FAILURE_NO_NAME"' <<<"$output"
+
+    # The server stopped takes questions and answers none.
+    kill -STOP "$started"
+    resolves 1 'time-out: nothing has answered about pbx\.example\.test within 50 ms' pbx.example.test --timeout 50
+    resolves 1 'no name server gave an answer about _sip\._udp' --srv _sip._udp.example.test
+    local file="$BATS_TEST_TMPDIR/stack.json"
+    echo '{"objects": {"quiet": {"sort": "IN_STACK", "config": {"dnsOptions": {"disableQueryAddresses": true}}}}}' >"$file"
+    resolves 1 "refused by configuration: the stack's dnsOptions have disableQueryAddresses" pbx.example.test --stack "$file:quiet"
+}
+
+@test "resolve: names that are none" {
+    expect 2 'label 2, "", is empty' resolve a..b
+    expect 2 'label 1, "", is empty' resolve .a
+    expect 2 'label 1, "a{64}", has 64 characters, and 63 are allowed' resolve "$(printf 'a%.0s' {1..64}).b"
+    expect 2 'label 2, ".", has characters that no domain name may have' resolve $'a.\ue000'
+    expect 2 'label 1, "a.", stands for a\.\.\., which is no label' resolve $'a\u2026'
+    expect 2 'it has 255 characters in ASCII form' resolve "$(printf 'aaaaaaa.%.0s' {1..32})"
+    expect 2 '--ptr: a is no IP address' resolve --ptr a
+    expect 2 'NAME, --ptr or --srv' resolve
+    expect 2 '--stack: x is not FILE:OBJECT' resolve a --stack x
+}
