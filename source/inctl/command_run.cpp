@@ -2,10 +2,9 @@
 #include "inctl/command.hpp"
 #include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
-#include "inctl/status_watch.hpp"
+#include "inctl/run_lines.hpp"
+#include "inctl/run_loop.hpp"
 #include "inctl/trace_sink.hpp"
-
-#include <fmt/format.h>
 
 #include <memory>
 #include <optional>
@@ -21,25 +20,23 @@ struct RunOptions {
 
 Exit runFile( Output &output, const RunOptions &options )
 {
+    ControlSignals signals( false );
     std::optional<TraceSink> trace;
     if ( !options.trace.target.empty() )
         trace.emplace( options.trace );
     const Host host;
+    FileWatch file( options.file ); // before it is read
     Configuration configuration( options.file );
     Waiter waiter;
+    RunBoard board;
+    RunLines view( output, configuration, board );
     const auto start = Waiter::Clock::now();
     configuration.start();
-    StatusWatch watch( configuration, waiter );
     std::optional<Waiter::Clock::time_point> deadline;
     if ( options.seconds )
         deadline = start + std::chrono::milliseconds( static_cast<pbInt>( *options.seconds * 1000 ) );
-    do
-        watch.showChanges( output );
-    while ( !output.broken() && waiter.wait( deadline ) == Waiter::Woken::Library );
-
-    const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>( Waiter::Clock::now() - start ).count();
-    output.line( fmt::format( "{}  ending after {:.1f} s", timeOfDay(), static_cast<double>( elapsed ) / 1000 ) );
-    output.record( Record().set( "event", "ending" ).set( "time", timeStamp() ).set( "milliseconds", elapsed ) );
+    RunLoop( { output, configuration, waiter, signals, file, board, view } ).run( deadline );
+    view.ending( std::chrono::duration_cast<std::chrono::milliseconds>( Waiter::Clock::now() - start ) );
     return Exit::Yes;
 }
 

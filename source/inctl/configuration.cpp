@@ -1,20 +1,41 @@
 // Configuration: a configuration file and its live objects.
 #include "inctl/configuration.hpp"
 
+#include "cs/cs_record.h"
 #include "inctl/exit_code.hpp"
 #include "inctl/items.hpp"
 #include "inctl/nearest.hpp"
 
 #include "cs/cs_diagnosis.h"
+#include "pb/pb_store.h"
 
 #include <fmt/format.h>
 
 namespace inctl {
+namespace {
 
-Configuration::Configuration( const std::string &path )
+// At least one line, since a file was refused.
+std::vector<std::string> problemLines( struct pbVector *problems, const std::string &name )
+{
+    std::vector<std::string> lines;
+    for ( const pb::String &problem : items( pb::adopt( problems ), pbStringFrom ) )
+        lines.push_back( pb::utf8( problem ) );
+    if ( lines.empty() )
+        lines.push_back( name + ":1:1: error: the file cannot be used" );
+    return lines;
+}
+
+std::string textOf( const struct pbStore *store, const char *key )
+{
+    return pb::utf8( pb::adopt( pbStoreValueCstr( store, key, -1 ) ) );
+}
+
+} // namespace
+
+Configuration::Configuration( std::string path ) : path_( std::move( path ) )
 {
     struct pbVector *diagnoses = nullptr;
-    configuration_ = pb::adopt( csConfigurationTryLoadDiagnosed( pb::string( path ).get(), &diagnoses ) );
+    configuration_ = pb::adopt( csConfigurationTryLoadDiagnosed( pb::string( path_ ).get(), &diagnoses ) );
     if ( const auto told = pb::adopt( diagnoses ); !configuration_ )
         refuse( told );
 }
@@ -24,13 +45,10 @@ Configuration::Configuration( std::string_view text, const std::string &name )
     struct pbVector *problems = nullptr;
     configuration_ = pb::adopt(
         csConfigurationTryParse( text.data(), static_cast<pbInt>( text.size() ), pb::string( name ).get(), &problems ) );
-    const auto told = pb::adopt( problems );
     if ( configuration_ )
-        return;
-    std::string lines;
-    for ( const pb::String &problem : items( told, pbStringFrom ) )
-        lines += ( lines.empty() ? "" : "\n" ) + pb::utf8( problem );
-    throw Failure{ Exit::Configuration, lines };
+        pbVectorRelease( problems );
+    else
+        throw Failure{ Exit::Configuration, fmt::format( "{}", fmt::join( problemLines( problems, name ), "\n" ) ) };
 }
 
 void refuse( const pb::Ref<struct pbVector> &diagnoses )
@@ -57,15 +75,27 @@ void Configuration::start()
     started_ = true;
 }
 
+Configuration::Reload Configuration::reload()
+{
+    struct pbVector *problems = nullptr;
+    struct pbVector *changes = nullptr;
+    if ( !csConfigurationTryReload( configuration_.get(), pb::string( path_ ).get(), &problems, &changes ) )
+        return { problemLines( problems, path_ ), {} };
+    pbVectorRelease( problems );
+    Reload reload;
+    for ( const auto &change : items( pb::adopt( changes ), pbStoreFrom ) )
+        reload.changes.push_back(
+            { textOf( change.get(), "name" ), textOf( change.get(), "sort" ), textOf( change.get(), "change" ) } );
+    return reload;
+}
+
 std::vector<Configuration::Object> Configuration::objects() const
 {
-    const struct csConfiguration *configuration = configuration_.get();
     std::vector<Object> result;
-    for ( pbInt i = 0; i < csConfigurationLength( configuration ); ++i )
-        result.push_back( { pb::utf8( pb::adopt( csConfigurationNameAt( configuration, i ) ) ),
-                            pb::utf8( pb::adopt( csConfigurationSortNameAt( configuration, i ) ) ),
-                            pb::adopt( csConfigurationObjectAt( configuration, i ) ),
-                            pb::adopt( csConfigurationStatusAt( configuration, i ) ) } );
+    for ( const auto &record : items( pb::adopt( csConfigurationRecords( configuration_.get() ) ), csRecordFrom ) )
+        result.push_back( { pb::utf8( pb::adopt( csRecordName( record.get() ) ) ),
+                            pb::utf8( pb::adopt( csRecordSortName( record.get() ) ) ),
+                            pb::adopt( csRecordObject( record.get() ) ), pb::adopt( csRecordStatus( record.get() ) ) } );
     return result;
 }
 

@@ -16,7 +16,7 @@ namespace inctl {
 class Configuration {
 public:
     // Needs a running Host. Throws Failure with every problem on a line of its own; nothing is started.
-    explicit Configuration( const std::string &path );
+    explicit Configuration( std::string path );
     // From memory; name stands for the file in messages.
     Configuration( std::string_view text, const std::string &name );
     ~Configuration();
@@ -24,6 +24,22 @@ public:
     Configuration &operator=( const Configuration & ) = delete;
 
     void start();
+
+    struct Change {
+        std::string name;
+        std::string sort;
+        std::string what; // CS_CONFIGURATION_CREATED and its kin
+    };
+    struct Reload {
+        std::vector<std::string> problems; // a line each; empty when the file was applied
+        std::vector<Change> changes;       // of the records that were touched
+    };
+    // The file as it is now. With problems everything stays as it was. Not for one from memory.
+    Reload reload();
+
+    // For what runs beside the main thread, too: any thread may use it while this lives.
+    struct csConfiguration *configuration() const { return configuration_.get(); }
+    const std::string &path() const { return path_; }
 
     struct Object {
         std::string name;
@@ -42,6 +58,7 @@ public:
 private:
     [[noreturn]] void failToFind( const std::string &name, const struct pbSort *sort ) const;
 
+    const std::string path_; // "": from memory
     pb::Ref<struct csConfiguration> configuration_;
     bool started_ = false;
 };

@@ -1,82 +1,95 @@
 // StatusWatch: what the objects of a configuration say of their state.
 #include "inctl/status_watch.hpp"
 
-#include <fmt/format.h>
+#include "cs/cs_condition.h"
 
 #include <algorithm>
+#include <map>
 
 namespace inctl {
 namespace {
 
-std::string itemsText( const struct pbStore *items )
+struct csCondition *conditionOf( const Configuration::Object &object )
 {
-    std::string text;
-    for ( pbInt i = 0; i < pbStoreLength( items ); ++i )
-        if ( pbStoreIsValueAt( items, i ) )
-            text += fmt::format( "  {}={}", pb::utf8( pb::adopt( pbStoreKeyAt( items, i ) ) ),
-                                 pb::utf8( pb::adopt( pbStoreValueAt( items, i ) ) ) );
-    return text;
+    const bool is = object.object && pbObjSort( object.object.get() ) == csConditionSort();
+    return is ? csConditionFrom( object.object.get() ) : nullptr;
 }
 
 } // namespace
 
-StatusWatch::StatusWatch( const Configuration &configuration, const Waiter &waiter ) : waiter_( waiter )
+StatusWatch::StatusWatch( const Configuration &configuration, const Waiter &waiter )
+    : configuration_( configuration ), waiter_( waiter )
 {
-    for ( Configuration::Object &object : configuration.objects() ) {
-        nameWidth_ = std::max( nameWidth_, object.name.size() );
-        sortWidth_ = std::max( sortWidth_, object.sort.size() );
-        watched_.push_back( { std::move( object ), false, false, {} } );
-    }
 }
 
 StatusWatch::~StatusWatch()
 {
+    csConfigurationUpdateDelSignalable( configuration_.configuration(), waiter_.signalable() );
     for ( const Watched &watched : watched_ )
-        if ( watched.object.status )
-            csStatusReporterUpdateDelSignalable( watched.object.status.get(), waiter_.signalable() );
+        detach( watched );
 }
 
-void StatusWatch::showChanges( Output &output )
+// Registers before it reads, so that nothing is missed.
+std::vector<ObjectState> StatusWatch::changes()
 {
-    for ( Watched &watched : watched_ )
-        if ( look( watched ) )
-            show( output, watched );
+    csConfigurationUpdateAddSignalable( configuration_.configuration(), waiter_.signalable() );
+    follow();
+    std::vector<ObjectState> changes;
+    for ( Watched &watched : watched_ ) {
+        attach( watched );
+        ObjectState state = objectState( watched.object );
+        if ( std::exchange( watched.fresh, false ) || watched.state != state ) {
+            watched.state = std::move( state );
+            changes.push_back( watched.state );
+        }
+    }
+    return changes;
 }
 
-// Registers before it reads, so that nothing is missed. True when there is something new.
-bool StatusWatch::look( Watched &watched ) const
+std::vector<ObjectState> StatusWatch::states() const
 {
-    struct csStatusReporter *status = watched.object.status.get();
-    bool changed = !std::exchange( watched.shown, true );
-    if ( !status )
-        return changed;
-    csStatusReporterUpdateAddSignalable( status, waiter_.signalable() );
-    const bool up = csStatusReporterUp( status );
-    auto items = pb::adopt( csStatusReporterItems( status ) );
-    changed |= up != watched.up || items != watched.items;
-    watched.up = up;
-    watched.items = std::move( items );
-    return changed;
+    std::vector<ObjectState> states;
+    for ( const Watched &watched : watched_ )
+        states.push_back( watched.state );
+    return states;
 }
 
-void StatusWatch::show( Output &output, const Watched &watched ) const
+// Takes over the records as they are now. A record that still has its object keeps what was seen of it.
+void StatusWatch::follow()
 {
-    const Configuration::Object &object = watched.object;
-    Record record = Record()
-                        .set( "event", "status" )
-                        .set( "time", timeStamp() )
-                        .set( "name", object.name )
-                        .set( "sort", object.sort )
-                        .set( "created", bool( object.object ) );
-    if ( object.status )
-        record.set( "up", watched.up ).set( "items", watched.items );
-    output.record( record );
+    std::map<std::string, Watched> before;
+    for ( Watched &watched : std::exchange( watched_, {} ) ) {
+        std::string name = watched.object.name;
+        before.emplace( std::move( name ), std::move( watched ) );
+    }
+    for ( Configuration::Object &object : configuration_.objects() ) {
+        const auto known = before.find( object.name );
+        if ( known != before.end() && known->second.object.object.is( object.object ) &&
+             known->second.object.sort == object.sort ) {
+            watched_.push_back( std::move( known->second ) );
+            before.erase( known );
+        }
+        else
+            watched_.push_back( { std::move( object ), {}, true } );
+    }
+    for ( const auto &[name, gone] : before )
+        detach( gone );
+}
 
-    const char *state = !object.object ? "not created" : !object.status ? "ready" : watched.up ? "up" : "down";
-    const Paint paint = !object.object || ( object.status && !watched.up ) ? Paint::Bad : Paint::Good;
-    output.line( fmt::format( "{}  {:<{}}  {:<{}}  {}{}", timeOfDay(), object.name, nameWidth_, object.sort, sortWidth_,
-                              output.paint( paint, fmt::format( "{:<5}", state ) ),
-                              watched.items ? itemsText( watched.items.get() ) : "" ) );
+void StatusWatch::attach( const Watched &watched ) const
+{
+    if ( const auto &status = watched.object.status )
+        csStatusReporterUpdateAddSignalable( status.get(), waiter_.signalable() );
+    if ( struct csCondition *condition = conditionOf( watched.object ) )
+        csConditionUpdateAddSignalable( condition, waiter_.signalable() );
+}
+
+void StatusWatch::detach( const Watched &watched ) const
+{
+    if ( const auto &status = watched.object.status )
+        csStatusReporterUpdateDelSignalable( status.get(), waiter_.signalable() );
+    if ( struct csCondition *condition = conditionOf( watched.object ) )
+        csConditionUpdateDelSignalable( condition, waiter_.signalable() );
 }
 
 } // namespace inctl

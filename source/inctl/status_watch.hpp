@@ -1,12 +1,11 @@
-// StatusWatch: what the objects of a configuration say of their state, and what has changed since the last look.
+// StatusWatch: how the objects of a configuration fare, and what has changed since the last look; follows re-loads.
 #ifndef INCTL_STATUS_WATCH_HPP
 #define INCTL_STATUS_WATCH_HPP
 
 #include "inctl/configuration.hpp"
-#include "inctl/output.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/waiter.hpp"
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,24 +19,25 @@ public:
     StatusWatch( const StatusWatch & ) = delete;
     StatusWatch &operator=( const StatusWatch & ) = delete;
 
-    // A line or record for every object that has changed; at the first call, for every object.
-    void showChanges( Output &output );
+    // Looks at every object; the states that have changed, at the first look all of them.
+    std::vector<ObjectState> changes();
+    // As of the last look, in the order of the file.
+    std::vector<ObjectState> states() const;
 
 private:
     struct Watched {
         Configuration::Object object;
-        bool shown = false;
-        bool up = false;
-        pb::Ref<struct pbStore> items;
+        ObjectState state;
+        bool fresh = true; // not looked at yet
     };
 
-    bool look( Watched &watched ) const;
-    void show( Output &output, const Watched &watched ) const;
+    void follow();
+    void attach( const Watched &watched ) const;
+    void detach( const Watched &watched ) const;
 
+    const Configuration &configuration_;
     const Waiter &waiter_;
     std::vector<Watched> watched_;
-    size_t nameWidth_ = 0;
-    size_t sortWidth_ = 0;
 };
 
 } // namespace inctl

@@ -12,7 +12,6 @@
 #include <csignal>
 #include <cstring>
 #include <fmt/format.h>
-#include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -102,12 +101,18 @@ Waiter::Waiter() : wake_( pb::make<Wake>() )
     signalable_ = pb::adopt( pb___SignalableCreate( Wake::wake, wake_.get() ) );
     alertable_ = pb::adopt( pb___AlertableCreate( Wake::wake, wake_.get() ) );
     wakeDescriptor = wake_->descriptor.get();
+    add( wakeDescriptor );
     setStopHandler( inctlTakeStop );
 }
 
 Waiter::~Waiter()
 {
     setStopHandler( SIG_DFL );
+}
+
+void Waiter::add( int descriptor )
+{
+    polled_.push_back( { descriptor, POLLIN, 0 } );
 }
 
 Waiter::Woken Waiter::wait( std::optional<Clock::time_point> deadline )
@@ -121,13 +126,14 @@ Waiter::Woken Waiter::wait( std::optional<Clock::time_point> deadline )
             const auto left = std::chrono::ceil<std::chrono::milliseconds>( *deadline - Clock::now() ).count();
             timeout = static_cast<int>( std::clamp<int64_t>( left, 0, 3'600'000 ) );
         }
-        pollfd polled{ wake_->descriptor.get(), POLLIN, 0 };
-        if ( poll( &polled, 1, timeout ) < 0 && errno != EINTR )
+        const int ready = poll( polled_.data(), polled_.size(), timeout );
+        if ( ready < 0 && errno != EINTR )
             refuse( "poll()" );
         if ( stopSignal )
             return Woken::Stop;
         uint64_t count;
-        if ( read( wake_->descriptor.get(), &count, sizeof count ) > 0 )
+        [[maybe_unused]] const ssize_t taken = read( wake_->descriptor.get(), &count, sizeof count ); // or there is none
+        if ( ready > 0 )
             return Woken::Library;
         if ( deadline && Clock::now() >= *deadline )
             return Woken::Time;

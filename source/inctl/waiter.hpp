@@ -7,6 +7,9 @@
 
 #include <chrono>
 #include <optional>
+#include <vector>
+
+#include <poll.h>
 
 namespace inctl {
 
@@ -34,6 +37,9 @@ public:
     struct pbSignalable *signalable() const { return signalable_.get(); }
     struct pbAlertable *alertable() const { return alertable_.get(); }
 
+    // One more descriptor that ends a wait, with Library, while it can be read; who added it reads it empty.
+    void add( int descriptor );
+
     // Blocks until something of that happens; without a deadline, time does not end it.
     Woken wait( std::optional<Clock::time_point> deadline );
     // The same without blocking; Library also when nothing has happened.
@@ -43,6 +49,7 @@ private:
     pb::Ref<Wake> wake_;
     pb::Ref<struct pbSignalable> signalable_;
     pb::Ref<struct pbAlertable> alertable_;
+    std::vector<pollfd> polled_; // first the wake
 };
 
 } // namespace inctl

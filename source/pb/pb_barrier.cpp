@@ -3,6 +3,7 @@
 #include "pb/pb_barrier.h"
 #include "pb/pb_clock.hpp"
 #include "pb/pb_object.hpp"
+#include "pb/pb_patience.hpp"
 #include "pb/pb_wake.hpp"
 
 #include <array>
@@ -25,6 +26,7 @@ static_assert( sizeof( std::atomic<uint32_t> ) == 4, "a futex is a word of 32 bi
 
 struct pbBarrier final : pb::Object<struct pbBarrier, pb___sort_PB_BARRIER> {
     std::atomic<uint32_t> word;
+    pb::Patience patience;
 
     explicit pbBarrier( uint32_t count ) : word( count ) {}
 };
@@ -71,8 +73,24 @@ bool sleepOn( std::atomic<uint32_t> &word, uint32_t value, const timespec *optio
         || errno != ETIMEDOUT;
 }
 
+bool isOpen( const pbBarrier &barrier )
+{
+    return ( barrier.word.load( std::memory_order_acquire ) & countMask ) == 0;
+}
+
+// False when it is still closed after a look, or none was worthwhile.
+bool opensSoon( pbBarrier &barrier )
+{
+    if ( !barrier.patience.worthwhile() )
+        return false;
+    pb___WakesFlush();
+    return barrier.patience.look( [&barrier] { return isOpen( barrier ); } );
+}
+
 bool pass( pbBarrier &barrier, const timespec *optionalDeadline )
 {
+    if ( isOpen( barrier ) || opensSoon( barrier ) )
+        return true;
     for ( ;; ) {
         uint32_t word = barrier.word.load( std::memory_order_acquire );
         if ( ( word & countMask ) == 0 )
@@ -82,7 +100,7 @@ bool pass( pbBarrier &barrier, const timespec *optionalDeadline )
             continue;
         pb___WakesFlush();
         if ( !sleepOn( barrier.word, word | sleepers, optionalDeadline ) )
-            return ( barrier.word.load( std::memory_order_acquire ) & countMask ) == 0;
+            return isOpen( barrier );
     }
 }
 
@@ -140,7 +158,7 @@ pbBool pbBarrierPassTimed( struct pbBarrier *barrier, pbInt milliseconds )
     PB_ASSERT( barrier );
     PB_ASSERT( milliseconds >= 0 );
     if ( milliseconds == 0 )
-        return ( barrier->word.load( std::memory_order_acquire ) & countMask ) == 0;
+        return isOpen( *barrier );
     const timespec deadline = pb::monotonicDeadline( milliseconds );
     return pass( *barrier, &deadline );
 }

@@ -59,16 +59,15 @@ struct pbDict final : pb::Object<struct pbDict, pb___sort_PB_DICT> {
     const Entry *find( const pbObj *key ) const;
     void set( const pbObj *key, const pbObj *value );
     void removeAt( size_t index );
-    void remove( const pbObj *key );
+    Place placeOf( const pbObj *key ) const;
+    bool holds( Place place, const pbObj *key ) const;
+    void erase( Place place );
 
     std::strong_ordering operator<=>( const pbDict &other ) const;
 
 private:
     Place placeOf( size_t index ) const;
-    Place placeOf( const pbObj *key ) const;
-    bool holds( Place place, const pbObj *key ) const;
     void insert( Place place, Entry entry );
-    void erase( Place place );
     bool tryMergeWithNext( size_t slot );
     void countFrom( size_t slot );
     void shiftFrom( size_t slot, ptrdiff_t by );
@@ -153,13 +152,6 @@ void pbDict::insert( Place place, Entry entry )
 }
 
 void pbDict::removeAt( size_t index ) { erase( placeOf( index ) ); }
-
-void pbDict::remove( const pbObj *key )
-{
-    const Place place = placeOf( key );
-    if ( holds( place, key ) )
-        erase( place );
-}
 
 void pbDict::erase( Place place )
 {
@@ -276,8 +268,9 @@ void pbDictDelObjKey( struct pbDict **dict, const struct pbObj *key )
     PB_ASSERT( dict );
     PB_ASSERT( *dict );
     PB_ASSERT( key );
-    if ( ( *dict )->find( key ) )
-        pb::edit( dict ).remove( key );
+    const Place place = ( *dict )->placeOf( key );
+    if ( ( *dict )->holds( place, key ) )
+        pb::edit( dict ).erase( place ); // a copy has it in the same place
 }
 
 struct pbObj *pbDictKeyAt( const struct pbDict *dict, pbInt index )

@@ -59,6 +59,34 @@ TEST( WakeStress, BarrierIsReleasedByItsPasserAtOnce )
     }
 }
 
+// So many waits on the same barriers that the threads no longer sleep for each.
+TEST( WakeStress, ThreadsAnswerEachOther )
+{
+    constexpr int rounds = 20'000;
+    const auto asked = barrier( 1 ), answered = barrier( 1 );
+    int said = 0;
+    const auto wait = []( const auto &subject ) {
+        pbBarrierPass( subject.get() );
+        pbBarrierBlock( subject.get() );
+    };
+    together(
+        [&] {
+            for ( int i = 0; i < rounds; ++i ) {
+                ++said;
+                pbBarrierUnblock( asked.get() );
+                wait( answered );
+            }
+        },
+        [&] {
+            for ( int i = 0; i < rounds; ++i ) {
+                wait( asked );
+                ++said;
+                pbBarrierUnblock( answered.get() );
+            }
+        } );
+    EXPECT_EQ( said, 2 * rounds );
+}
+
 // A signal that is replaced when it is asserted, and an alert that comes and goes.
 TEST( WakeStress, NothingIsNotifiedAfterDel )
 {

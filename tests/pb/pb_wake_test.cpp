@@ -3,6 +3,7 @@
 #include "pb/pb_alert.h"
 #include "pb/pb_barrier.h"
 #include "pb/pb_monitor.hpp"
+#include "pb/pb_patience.hpp"
 #include "pb/pb_signal.h"
 #include "support/asleep.hpp"
 #include "support/death_table.hpp"
@@ -134,6 +135,26 @@ TEST( Barrier, LetsAllSleepersThroughWhenItsSignalIsAsserted )
     const pb::WakeHold hold;
     pbSignalAssert( signal.get() );
     pbBarrierPass( passed.get() );
+}
+
+TEST( Patience, LooksWhereItPaysAndHardlyEverElsewhere )
+{
+    pb::Patience patience;
+    constexpr int waits = 20'000;
+    const auto looks = [&]( bool paid ) {
+        int count = 0;
+        for ( int wait = 0; wait < waits; ++wait )
+            if ( patience.worthwhile() ) {
+                patience.judge( paid );
+                ++count;
+            }
+        return count;
+    };
+    EXPECT_LT( looks( false ), waits / 1'000 );
+    EXPECT_GT( looks( true ), waits / 2 );
+    EXPECT_LT( looks( false ), waits / 1'000 ) << "what paid once is given up";
+    EXPECT_TRUE( patience.look( [] { return true; } ) );
+    EXPECT_FALSE( patience.look( [] { return false; } ) ) << "the moment ends";
 }
 
 TEST( SignalAndAlert, WakeOnceForEachEvent )

@@ -72,6 +72,12 @@ pbBool in___ModuleStartup( void )
     in___AddressVersionStartup();
     in___FlagsStartup();
     in___StackCsStartup();
+    in___Csupdate20130104Startup();
+    in___Csupdate20171013Startup();
+    in___Csupdate20180703Startup();
+    in___Csupdate20190306Startup();
+    in___Csupdate20200204Startup();
+    in___Csupdate20200219Startup();
     in___FilterCsStartup();
     in___FilterEntryFlagsStartup();
     in___ImpDnsStartup();
@@ -89,12 +95,6 @@ pbBool in___ModuleStartup( void )
     in___QosWindowsTrafficTypeStartup();
     in___TcpFlagsStartup();
     in___UdpFlagsStartup();
-    in___Csupdate20130104Startup();
-    in___Csupdate20171013Startup();
-    in___Csupdate20180703Startup();
-    in___Csupdate20190306Startup();
-    in___Csupdate20200204Startup();
-    in___Csupdate20200219Startup();
     in___CsModuleBackend.set( pb::adopt( csModuleBackendCreate( &in___module, in___CsModuleInfoFunc ) ) );
     return true;
 }
@@ -103,12 +103,6 @@ pbBool in___ModuleStartup( void )
 void in___ModuleShutdown( void )
 {
     in___CsModuleBackend.invalidate();
-    in___Csupdate20200219Shutdown();
-    in___Csupdate20200204Shutdown();
-    in___Csupdate20190306Shutdown();
-    in___Csupdate20180703Shutdown();
-    in___Csupdate20171013Shutdown();
-    in___Csupdate20130104Shutdown();
     in___QosStackCsShutdown();
     // What the stacks have changed is taken back while there are interfaces to do it.
     in___NwStackImpHaltWait();
@@ -140,6 +134,12 @@ void in___ModuleShutdownWait( void )
     in___ImpQosShutdown();
     in___ImpDnsShutdown();
     in___FilterEntryFlagsShutdown();
+    in___Csupdate20200219Shutdown();
+    in___Csupdate20200204Shutdown();
+    in___Csupdate20190306Shutdown();
+    in___Csupdate20180703Shutdown();
+    in___Csupdate20171013Shutdown();
+    in___Csupdate20130104Shutdown();
     in___FlagsShutdown();
     in___AddressVersionShutdown();
 }

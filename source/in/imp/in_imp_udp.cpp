@@ -1,7 +1,7 @@
 // Port selection for UDP channels: ports of a range, and RTP/RTCP pairs.
 #include "in/imp/in_imp_udp_internal.h"
 
-#include "in/base/in_address.h"
+#include "in/imp/in_imp_udp_bound_ports.hpp"
 #include "in/udp/in_udp_address.h"
 #include "in/udp/in_udp_port_range.h"
 #include "pb/pb_assert.hpp"
@@ -20,7 +20,7 @@ constexpr size_t rejectedMax = 100; // bounds the search for a pair
 
 // Held over bind and the like on purpose: what a search finds free stays free until it has taken it.
 pb::Monitor in___ImpUdpMonitor{ 70 };
-// The addresses that unicast channels of this process are bound to, as keys.
+// What unicast channels of this process are bound to: the addresses with their ports.
 constinit pb::Global<struct pbDict> in___ImpUdpAddressesDict PB_GUARDED_BY( in___ImpUdpMonitor );
 
 // What the channels of one creation have in common.
@@ -38,12 +38,6 @@ pbInt tryAllocate( const Request &request, pbInt optionalPort )
                                           request.optionalInterface );
 }
 
-bool isBoundHere( const struct inAddress *address, pbInt port ) PB_REQUIRES( in___ImpUdpMonitor )
-{
-    const auto udpAddress = pb::adopt( inUdpAddressCreate( address, port ) );
-    return pbDictHasObjKey( in___ImpUdpAddressesDict.get(), inUdpAddressObj( udpAddress.get() ) );
-}
-
 pbInt tryAllocateFromRange( const Request &request ) PB_REQUIRES( in___ImpUdpMonitor )
 {
     const pbInt count = inUdpPortRangeCount( request.optionalPortRange );
@@ -53,7 +47,7 @@ pbInt tryAllocateFromRange( const Request &request ) PB_REQUIRES( in___ImpUdpMon
     const pbInt last = std::min( first + count - 1, portMax );
     pbInt port = pbRandomNonNegativeIntRange( first, last );
     for ( pbInt attempt = 0; attempt < count; ++attempt ) {
-        if ( !isBoundHere( request.localAddress, port ) ) {
+        if ( !in___ImpUdpBoundPortsHas( in___ImpUdpAddressesDict.get(), request.localAddress, port ) ) {
             const pbInt chan = tryAllocate( request, port );
             if ( IN___IMP_UDP_CHANNEL_OK( chan ) )
                 return chan;
@@ -63,15 +57,21 @@ pbInt tryAllocateFromRange( const Request &request ) PB_REQUIRES( in___ImpUdpMon
     return IN___IMP_UDP_CHANNEL_INVALID;
 }
 
+// The dictionary's operation on the address that a channel is bound to.
+void applyToBound( void ( *operation )( struct pbDict **addresses, const struct inAddress *address, pbInt port ),
+                   pbInt chan ) PB_REQUIRES( in___ImpUdpMonitor )
+{
+    const auto bound = pb::adopt( in___ImpUdpChannelLocalAddress( chan ) );
+    operation( in___ImpUdpAddressesDict.address(), pb::adopt( inUdpAddressAddress( bound.get() ) ).get(),
+               inUdpAddressPort( bound.get() ) );
+}
+
 pbInt tryCreate( const Request &request, pbInt optionalPort ) PB_REQUIRES( in___ImpUdpMonitor )
 {
     const bool fromRange = request.optionalPortRange && optionalPort == IN_UDP_PORT_INVALID;
     const pbInt chan = fromRange ? tryAllocateFromRange( request ) : tryAllocate( request, optionalPort );
-    if ( IN___IMP_UDP_CHANNEL_OK( chan ) && !in___ImpUdpChannelIsMulticast( chan ) ) {
-        const auto bound = pb::adopt( in___ImpUdpChannelLocalAddress( chan ) );
-        pbDictSetObjKey( in___ImpUdpAddressesDict.address(), inUdpAddressObj( bound.get() ),
-                         inUdpAddressObj( bound.get() ) );
-    }
+    if ( IN___IMP_UDP_CHANNEL_OK( chan ) && !in___ImpUdpChannelIsMulticast( chan ) )
+        applyToBound( in___ImpUdpBoundPortsAdd, chan );
     return chan;
 }
 
@@ -167,10 +167,8 @@ void in___ImpUdpChannelDestroy( pbInt chan )
 {
     in___ImpUdpUnixChannelRecord record; // goes after the monitor has been left: it may end foreign objects
     const pb::Guard guard( in___ImpUdpMonitor );
-    if ( !in___ImpUdpChannelIsMulticast( chan ) ) {
-        const auto bound = pb::adopt( in___ImpUdpChannelLocalAddress( chan ) );
-        pbDictDelObjKey( in___ImpUdpAddressesDict.address(), inUdpAddressObj( bound.get() ) );
-    }
+    if ( !in___ImpUdpChannelIsMulticast( chan ) )
+        applyToBound( in___ImpUdpBoundPortsRemove, chan );
     record = in___ImpUdpChannelRelease( chan );
 }
 

@@ -1,0 +1,69 @@
+// RunLoop: what wakes a running host, and what it does then.
+#include "inctl/run_loop.hpp"
+
+#include <algorithm>
+
+namespace inctl {
+
+RunLoop::RunLoop( const Parts &parts ) : parts_( parts ), watch_( parts.configuration, parts.waiter )
+{
+    parts_.waiter.add( parts_.signals.descriptor() );
+    if ( parts_.file.descriptor() >= 0 )
+        parts_.waiter.add( parts_.file.descriptor() );
+    if ( !parts_.file.problem().empty() )
+        complain( "inctl: changes of " + parts_.configuration.path() + " are not seen, SIGHUP re-loads it: " +
+                  parts_.file.problem() + "\n" );
+}
+
+void RunLoop::run( std::optional<Clock::time_point> deadline )
+{
+    for ( ;; ) {
+        showStates();
+        if ( parts_.output.broken() || parts_.waiter.wait( nextTime( deadline ) ) == Waiter::Woken::Stop )
+            return;
+        if ( deadline && Clock::now() >= *deadline )
+            return;
+        takeEvents();
+    }
+}
+
+void RunLoop::showStates()
+{
+    const std::vector<ObjectState> changes = watch_.changes();
+    std::vector<ObjectState> states = watch_.states();
+    if ( states != *parts_.board.states() )
+        parts_.board.setStates( std::move( states ) );
+    parts_.view.states( changes );
+}
+
+std::optional<RunLoop::Clock::time_point> RunLoop::nextTime( std::optional<Clock::time_point> deadline ) const
+{
+    std::optional<Clock::time_point> next = deadline;
+    for ( const auto &time : { parts_.file.settled() } )
+        if ( time )
+            next = std::min( next.value_or( *time ), *time );
+    return next;
+}
+
+void RunLoop::takeEvents()
+{
+    const ControlSignals::Asked asked = parts_.signals.take();
+    parts_.file.take();
+    const auto settled = parts_.file.settled();
+    if ( asked.reload || ( settled && *settled <= Clock::now() ) )
+        reload();
+}
+
+void RunLoop::reload()
+{
+    parts_.file.renew(); // before it is read: a change behind that is seen
+    Configuration::Reload reload = parts_.configuration.reload();
+    const bool refused = !reload.problems.empty();
+    parts_.board.setRefusal( { refused ? timeStamp() : "", std::move( reload.problems ) } );
+    if ( refused )
+        parts_.view.refused( parts_.board.refusal() );
+    else
+        parts_.view.reloaded( reload.changes );
+}
+
+} // namespace inctl

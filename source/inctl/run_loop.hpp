@@ -1,0 +1,49 @@
+// RunLoop: the main thread of a running host: follows its objects and its file until a signal or the time ends it.
+#ifndef INCTL_RUN_LOOP_HPP
+#define INCTL_RUN_LOOP_HPP
+
+#include "inctl/configuration.hpp"
+#include "inctl/control_signals.hpp"
+#include "inctl/file_watch.hpp"
+#include "inctl/run_board.hpp"
+#include "inctl/run_view.hpp"
+#include "inctl/status_watch.hpp"
+#include "inctl/waiter.hpp"
+
+#include <optional>
+
+namespace inctl {
+
+class RunLoop {
+public:
+    using Clock = Waiter::Clock;
+
+    // What the loop works on, all of which outlives it; the configuration has been started.
+    struct Parts {
+        Output &output;
+        Configuration &configuration;
+        Waiter &waiter;
+        ControlSignals &signals;
+        FileWatch &file;
+        RunBoard &board;
+        RunView &view;
+    };
+
+    explicit RunLoop( const Parts &parts );
+
+    // Until a signal or the deadline, or until the output takes nothing any more.
+    void run( std::optional<Clock::time_point> deadline );
+
+private:
+    void showStates();
+    std::optional<Clock::time_point> nextTime( std::optional<Clock::time_point> deadline ) const;
+    void takeEvents();
+    void reload();
+
+    const Parts parts_;
+    StatusWatch watch_;
+};
+
+} // namespace inctl
+
+#endif
