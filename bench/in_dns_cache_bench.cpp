@@ -6,6 +6,7 @@
 #include "in/base/in_options.h"
 #include "in/base/in_stack.h"
 #include "in/dns/in_dns_query_addresses.h"
+#include "pb/pb_barrier.h"
 #include "pb/pb_signalable.h"
 #include "pb/pb_vector.h"
 #include "support/module_host.hpp"

@@ -90,6 +90,13 @@ void showServices( Output &output, const struct pbStore *names )
     table.print( output );
 }
 
+// Without the word that stands in a column of its own.
+std::string behindColon( const std::string &text )
+{
+    const size_t colon = text.find( ": " );
+    return colon == text.npos ? text : text.substr( colon + 2 );
+}
+
 // True when somebody is let in and somebody is not.
 bool showChecks( Output &output, const struct pbStore *names )
 {
@@ -101,7 +108,7 @@ bool showChecks( Output &output, const struct pbStore *names )
         ( permitted ? someIn : someOut ) = true;
         table.add( { Cell( value( check.get(), "address" ), Paint::Strong ),
                      permitted ? Cell( "permitted", Paint::Good ) : Cell( "refused", Paint::Bad ),
-                     Cell( value( check.get(), "text" ) ) } );
+                     Cell( behindColon( value( check.get(), "text" ) ) ) } );
     }
     table.print( output );
     return someIn && someOut;
