@@ -229,7 +229,8 @@ TEST( DnsQueries, EndWhateverAServerDoes )
         EXPECT_EQ( garbage.outcome(), failure( "NO_ANSWER" ) );
         EXPECT_EQ( silent.outcome(), failure( "NO_ANSWER" ) );
         EXPECT_EQ( back.outcome(), failure( "NO_ANSWER" ) );
-        EXPECT_THAT( ask( addresses, stack, "back.test" ), ElementsAre( "192.0.2.1" ) );
+        // Another name, lest the failure is still known.
+        EXPECT_THAT( ask( addresses, stack, "back.again.test" ), ElementsAre( "192.0.2.1" ) );
     } );
 }
 
