@@ -16,7 +16,6 @@ constexpr unsigned pointerBits = 0xC0; // both set: a pointer; one alone is rese
 NameTable::NameTable( const struct pbBuffer *message )
     : message_( message ), bytes_( pbBufferBacking( message ) ), end_( bytes_ + pbBufferLength( message ) )
 {
-    suffixes_.reserve( usual );
     std::fill_n( at_, std::min( static_cast<size_t>( end_ - bytes_ ), pointable ), uint16_t( none ) );
 }
 
@@ -24,13 +23,107 @@ NameTable::~NameTable()
 {
     if ( !longNames_ )
         return;
-    longNames_->suffixes.assign( suffixes_.begin(), suffixes_.end() );
+    longNames_->suffixes.assign( suffixes_, suffixes_ + count_ );
     longNames_->texts = std::move( texts_ );
+}
+
+[[gnu::always_inline]] inline NameTable::Suffix &NameTable::append( const Suffix &suffix )
+{
+    if ( count_ == room_ )
+        grow();
+    return suffixes_[count_++] = suffix;
+}
+
+void NameTable::grow()
+{
+    auto larger = std::make_unique_for_overwrite<Suffix[]>( 2 * room_ );
+    std::copy_n( suffixes_, count_, larger.get() );
+    many_ = std::move( larger );
+    suffixes_ = many_.get();
+    room_ *= 2;
+}
+
+bool NameTable::appendSpecialLabel( Suffix &suffix, Places &places )
+{
+    auto label = readLabel( bytes_ + suffix.offset + 1, suffix.length );
+    if ( !label )
+        return false;
+    places = { label->mayPrecede, label->mayBeLast };
+    suffix.length = static_cast<uint32_t>( pbStringLength( label->text.get() ) );
+    suffix.ascii = false;
+    texts_.push_back( std::move( label->text ) );
+    suffix.text = static_cast<uint32_t>( texts_.size() );
+    return true;
+}
+
+// What follows is all that a usual name needs, as one function.
+
+[[gnu::always_inline]] inline bool NameTable::appendLabel( const uint8_t *lengthByte, Places &places )
+{
+    const uint32_t length = *lengthByte;
+    Suffix &suffix = append( { offsetOf( lengthByte ), length, root, 0, nullptr, true } );
+    if ( !isPlainLabel( lengthByte + 1, length, end_ ) )
+        return appendSpecialLabel( suffix, places );
+    places = { true, true };
+    return true;
+}
+
+[[gnu::always_inline]] inline void NameTable::remember( uint32_t offset, Index suffix )
+{
+    if ( offset < pointable )
+        at_[offset] = static_cast<uint16_t>( suffix ); // no more suffixes than offsets come before it
+}
+
+// The zero or pointer behind the labels.
+[[gnu::always_inline]] inline NameTable::Index NameTable::readEnd( const uint8_t *&position, const uint8_t *limit,
+                                                                   Places last ) const
+{
+    Index rest = root;
+    if ( const unsigned first = *position++ ) {
+        if ( first < pointerBits || position == limit )
+            return none;
+        const size_t target = ( first & ~pointerBits ) << 8 | *position++;
+        rest = target < offsetOf( limit ) ? at_[target] : none;
+    }
+    return ( rest == root ? last.mayBeLast : last.mayPrecede ) ? rest : none;
+}
+
+// Joins the labels from the first on, which from now on may be pointed at, as may the pointer or zero behind them.
+[[gnu::always_inline]] inline NameTable::Index NameTable::complete( size_t first, Index rest, uint32_t endOffset )
+{
+    remember( endOffset, rest );
+    for ( size_t i = count_; i-- > first; ) {
+        Suffix &suffix = suffixes_[i];
+        suffix.rest = rest;
+        if ( rest != root ) {
+            suffix.length += 1 + at( rest ).length;
+            suffix.ascii = suffix.ascii && at( rest ).ascii;
+        }
+        rest = static_cast<Index>( i ) + firstSuffix;
+        remember( suffix.offset, rest );
+    }
+    return rest;
+}
+
+[[gnu::always_inline]] inline void NameTable::assign( Name &name, Index index )
+{
+    if ( index == root )
+        return;
+    Suffix &suffix = at( index );
+    if ( suffix.name ) {
+        name = *suffix.name;
+        return;
+    }
+    if ( suffix.length > Name::longestText )
+        name = longName( index );
+    else
+        name = suffix.ascii ? asciiText( suffix ) : text( suffix );
+    suffix.name = &name;
 }
 
 bool NameTable::tryRead( pb::ByteReader &reader, Name &name )
 {
-    const size_t first = suffixes_.size();
+    const size_t first = count_;
     const uint8_t *position = reader.bytes();
     const uint8_t *const limit = position + reader.remaining();
     Places places{ true, true }; // of the label before
@@ -50,82 +143,7 @@ bool NameTable::tryRead( pb::ByteReader &reader, Name &name )
     return reader.trySkip( position - reader.bytes() );
 }
 
-// The zero or pointer behind the labels.
-NameTable::Index NameTable::readEnd( const uint8_t *&position, const uint8_t *limit, Places last ) const
-{
-    Index rest = root;
-    if ( const unsigned first = *position++ ) {
-        if ( first < pointerBits || position == limit )
-            return none;
-        const size_t target = ( first & ~pointerBits ) << 8 | *position++;
-        rest = target < offsetOf( limit ) ? at_[target] : none;
-    }
-    return ( rest == root ? last.mayBeLast : last.mayPrecede ) ? rest : none;
-}
-
-bool NameTable::appendLabel( const uint8_t *lengthByte, Places &places )
-{
-    const uint32_t length = *lengthByte;
-    Suffix &suffix = suffixes_.emplace_back( Suffix{ offsetOf( lengthByte ), length, root, 0, nullptr, true } );
-    if ( !isPlainLabel( lengthByte + 1, length, end_ ) )
-        return appendSpecialLabel( suffix, places );
-    places = { true, true };
-    return true;
-}
-
-bool NameTable::appendSpecialLabel( Suffix &suffix, Places &places )
-{
-    auto label = readLabel( bytes_ + suffix.offset + 1, suffix.length );
-    if ( !label )
-        return false;
-    places = { label->mayPrecede, label->mayBeLast };
-    suffix.length = static_cast<uint32_t>( pbStringLength( label->text.get() ) );
-    suffix.ascii = false;
-    texts_.push_back( std::move( label->text ) );
-    suffix.text = static_cast<uint32_t>( texts_.size() );
-    return true;
-}
-
-// Joins the labels from the first on, which from now on may be pointed at, as may the pointer or zero behind them.
-NameTable::Index NameTable::complete( size_t first, Index rest, uint32_t endOffset )
-{
-    remember( endOffset, rest );
-    for ( size_t i = suffixes_.size(); i-- > first; ) {
-        Suffix &suffix = suffixes_[i];
-        suffix.rest = rest;
-        if ( rest != root ) {
-            suffix.length += 1 + at( rest ).length;
-            suffix.ascii = suffix.ascii && at( rest ).ascii;
-        }
-        rest = static_cast<Index>( i ) + firstSuffix;
-        remember( suffix.offset, rest );
-    }
-    return rest;
-}
-
-void NameTable::remember( uint32_t offset, Index suffix )
-{
-    if ( offset < pointable )
-        at_[offset] = static_cast<uint16_t>( suffix ); // no more suffixes than offsets come before it
-}
-
-void NameTable::assign( Name &name, Index index )
-{
-    if ( index == root )
-        return;
-    Suffix &suffix = at( index );
-    if ( suffix.name ) {
-        name = *suffix.name;
-        return;
-    }
-    if ( suffix.length > Name::longestText )
-        name = longName( index );
-    else
-        name = suffix.ascii ? asciiText( suffix ) : text( suffix );
-    suffix.name = &name;
-}
-
-Name NameTable::longName( Index index )
+[[gnu::noinline]] Name NameTable::longName( Index index )
 {
     if ( !longNames_ ) {
         longNames_ = pb::make<MessageNames>();

@@ -6,9 +6,8 @@
 #include "in/dns/in_dns_name.hpp"
 #include "pb/pb_decoder.hpp"
 
-#include <array>
 #include <cstddef>
-#include <memory_resource>
+#include <memory>
 #include <vector>
 
 namespace in::dns {
@@ -49,6 +48,8 @@ class NameTable {
     void remember( uint32_t offset, Index suffix );
     void assign( Name &name, Index index );
     Name longName( Index index );
+    Suffix &append( const Suffix &suffix );
+    void grow();
     pb::String asciiText( const Suffix &suffix ) const;
     pb::String text( const Suffix &suffix ) const;
 
@@ -59,9 +60,11 @@ class NameTable {
     const struct pbBuffer *const message_;
     const uint8_t *const bytes_;
     const uint8_t *const end_;
-    alignas( Suffix ) std::array<std::byte, usual * sizeof( Suffix )> room_;
-    std::pmr::monotonic_buffer_resource memory_{ room_.data(), room_.size() };
-    std::pmr::vector<Suffix> suffixes_{ &memory_ };
+    Suffix few_[usual];
+    std::unique_ptr<Suffix[]> many_; // in place of few_
+    Suffix *suffixes_ = few_;
+    size_t count_ = 0;
+    size_t room_ = usual;
     std::vector<pb::String> texts_;
     pb::Ref<MessageNames> longNames_; // null while there is none; they get the suffixes in the end
     uint16_t at_[pointable]; // the suffix that starts at an offset of the message; only as many as it has bytes
