@@ -1,10 +1,11 @@
-// Whether a thread that has to wait first gives its processor to others for a moment and looks again. In-tree only.
+// Whether a thread that has to wait first gives its processor to others and looks again. In-tree only.
 //
 // Who sleeps has to be woken: a system call for the waking thread, which then often loses its processor to the woken one
-// in the middle of its work, and on another processor the time that it takes to wake that. Threads that answer each
-// other within microseconds spare both. A look is taken only where it has just paid, elsewhere once in 64 waits at first
-// and in 4,096 where it keeps failing: it costs the processor's time, and who gives his processor to a thread that
-// computes gets it back late.
+// in the middle of its work. Threads on one processor that answer each other spare both by yielding: what the waiter
+// waits for happens while it is runnable. A look is taken only where it has just paid, elsewhere once in 64 waits at
+// first and in 4,096 where it keeps failing. It lasts a few yields and not longer: who spins while his processor has
+// nothing else to do is answered sooner, but then counts as a thread that computes, and waits for the others of that
+// kind. Who yields to one of these gets his processor back late: after one such look there is none for 1,024 waits.
 #ifndef PB_PATIENCE_HPP
 #define PB_PATIENCE_HPP
 
@@ -28,26 +29,27 @@ public:
         state_.store( state, std::memory_order_relaxed );
         return due;
     }
-    // Stays until open() is true or the moment is over; whether it is true.
+    // Yields until open() is true, a few times at most; whether it is true.
     template <class Open> bool look( const Open &open )
     {
-        const int64_t end = monotonic() + moment;
-        bool opened, inTime;
-        do {
+        const int64_t began = monotonic();
+        bool opened = false;
+        for ( int yields = 0; !opened && yields < mostYields; ++yields ) {
             sched_yield();
             opened = open();
-            inTime = monotonic() < end;
-        } while ( !opened && inTime );
-        judge( opened && inTime );
+        }
+        judge( monotonic() - began >= robbery ? robbed : opened ? paid : failed );
         return opened;
     }
-    void judge( bool paid )
+    enum Outcome { paid, failed, robbed }; // robbed: a thread that computes has kept the processor
+    void judge( Outcome outcome )
     {
         State state = state_.load( std::memory_order_relaxed );
-        if ( paid ) {
-            state.credit = std::min<uint8_t>( state.credit + 1, fullCredit );
-            state.probeShift = firstProbeShift;
-        } else if ( state.credit )
+        if ( outcome == robbed )
+            state = { .probeShift = robbedProbeShift };
+        else if ( outcome == paid )
+            state = { .credit = std::min<uint8_t>( state.credit + 1, fullCredit ) };
+        else if ( state.credit )
             --state.credit;
         else
             state.probeShift = std::min<uint8_t>( state.probeShift + 2, lastProbeShift );
@@ -55,9 +57,10 @@ public:
     }
 
 private:
-    static constexpr int64_t moment = 50'000; // ns; waits that are longer do not gain by it
-    static constexpr uint8_t fullCredit = 8;  // looks that may fail
-    static constexpr uint8_t firstProbeShift = 6, lastProbeShift = 12;
+    static constexpr int mostYields = 4;
+    static constexpr int64_t robbery = 200'000; // ns; far beyond what answering takes
+    static constexpr uint8_t fullCredit = 8;        // looks that may fail
+    static constexpr uint8_t firstProbeShift = 6, robbedProbeShift = 10, lastProbeShift = 12;
 
     // Threads that wait at once may lose each other's changes: all of it is a guess.
     struct State {

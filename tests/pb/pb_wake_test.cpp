@@ -141,20 +141,22 @@ TEST( Patience, LooksWhereItPaysAndHardlyEverElsewhere )
 {
     pb::Patience patience;
     constexpr int waits = 20'000;
-    const auto looks = [&]( bool paid ) {
+    const auto looks = [&]( pb::Patience::Outcome outcome ) {
         int count = 0;
         for ( int wait = 0; wait < waits; ++wait )
             if ( patience.worthwhile() ) {
-                patience.judge( paid );
+                patience.judge( outcome );
                 ++count;
             }
         return count;
     };
-    EXPECT_LT( looks( false ), waits / 1'000 );
-    EXPECT_GT( looks( true ), waits / 2 );
-    EXPECT_LT( looks( false ), waits / 1'000 ) << "what paid once is given up";
+    EXPECT_LT( looks( pb::Patience::failed ), waits / 1'000 );
+    EXPECT_GT( looks( pb::Patience::paid ), waits / 2 );
+    EXPECT_LT( looks( pb::Patience::failed ), waits / 1'000 ) << "what paid once is given up";
+    EXPECT_GT( looks( pb::Patience::paid ), waits / 2 );
+    EXPECT_LT( looks( pb::Patience::robbed ), waits / 500 ) << "and at once where others compute";
     EXPECT_TRUE( patience.look( [] { return true; } ) );
-    EXPECT_FALSE( patience.look( [] { return false; } ) ) << "the moment ends";
+    EXPECT_FALSE( patience.look( [] { return false; } ) ) << "a look ends";
 }
 
 TEST( SignalAndAlert, WakeOnceForEachEvent )
