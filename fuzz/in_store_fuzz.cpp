@@ -1,5 +1,5 @@
 // Any store into every function that restores: none ends the process, and what comes out is a value whose own store
-// restores to an equal one. The input is lines: "key value" sets a value, "key {" opens a store, "}" closes it.
+// restores to an equal one. The input is lines, see store_lines.hpp.
 #include "in/base/in_options.h"
 #include "in/dns/in_dns_options.h"
 #include "in/nw/in_nw_address.h"
@@ -12,6 +12,7 @@
 #include "in/udp/in_udp_options.h"
 #include "in/udp/in_udp_port_range.h"
 #include "pb/pb_assert.hpp"
+#include "store_lines.hpp"
 #include "support/in_tables.hpp"
 
 #include <algorithm>
@@ -19,32 +20,6 @@
 namespace {
 
 using Store = pb::Ref<struct pbStore>;
-
-std::string_view takeLine( std::string_view &rest )
-{
-    const size_t end = std::min( rest.find( '\n' ), rest.size() );
-    const auto line = rest.substr( 0, end );
-    rest.remove_prefix( std::min( end + 1, rest.size() ) );
-    return line;
-}
-
-Store takeStore( std::string_view &rest, int depth )
-{
-    auto store = pb::adopt( pbStoreCreate() );
-    while ( !rest.empty() ) {
-        const auto line = takeLine( rest );
-        if ( line == "}" )
-            break;
-        const size_t blank = std::min( line.find( ' ' ), line.size() );
-        const auto key = pb::string( line.substr( 0, blank ) );
-        const auto value = line.substr( std::min( blank + 1, line.size() ) );
-        if ( value == "{" && depth < 8 )
-            pbStoreSetStore( store.address(), key.get(), takeStore( rest, depth + 1 ).get() );
-        else
-            pbStoreSetValue( store.address(), key.get(), pb::string( value ).get() );
-    }
-    return store;
-}
 
 // Restores, stores, restores again: the second store is the first.
 template <class T>
@@ -85,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size )
 {
     static const support::InTables tables;
     std::string_view text( reinterpret_cast<const char *>( data ), size );
-    const auto source = takeStore( text, 0 );
+    const auto source = fuzz::takeStore( text );
 
     check<struct inUdpPortRange>( source, inUdpPortRangeTryRestore,
                                   []( auto *v ) { return stored( inUdpPortRangeStore, v ); } );

@@ -17,21 +17,32 @@ struct csWarnings {
     const cs::CheckedRecord &record;
     cs::Problems &problems;
 
-    // The place of the key, or of the nearest thing around it that the text has.
-    size_t offsetOf( std::string_view key ) const
+    struct Place {
+        size_t offset;
+        std::string key;
+    };
+    // The place of the key, or of the nearest thing around it that the text has, and the key as the text has it: the
+    // entries of an array move when one before them is refused.
+    Place placeOf( std::string_view key ) const
     {
         size_t offset = record.offset;
+        std::string found;
         for ( const cs::JsonValue *value = record.config; value && !key.empty(); ) {
             const std::string_view name = key.substr( 0, key.find( '.' ) );
             key.remove_prefix( std::min( key.size(), name.size() + 1 ) );
-            const auto member = std::find_if( value->members.begin(), value->members.end(),
-                                              [&]( const auto &candidate ) { return candidate.key == name; } );
+            size_t entries = 0;
+            const auto member = std::find_if( value->members.begin(), value->members.end(), [&]( const auto &candidate ) {
+                return value->kind == cs::JsonValue::Kind::Array
+                           ? candidate.usable() && std::to_string( entries++ ) == name
+                           : candidate.key == name;
+            } );
+            found += ( found.empty() ? "" : "." ) + ( member == value->members.end() ? std::string( name ) : member->key );
             if ( member == value->members.end() )
-                break;
+                return { offset, found + ( key.empty() ? "" : "." ) + std::string( key ) };
             value = &member->value;
             offset = key.empty() && !value->isContainer() ? value->offset : member->keyOffset;
         }
-        return offset;
+        return { offset, found + ( found.empty() || key.empty() ? "" : "." ) + std::string( key ) };
     }
 };
 
@@ -154,5 +165,6 @@ extern "C" void csWarningsAdd( struct csWarnings *warnings, const char *key, con
     PB_ASSERT( warnings );
     PB_ASSERT( key );
     PB_ASSERT( text );
-    warnings->problems.warn( warnings->offsetOf( key ), { warnings->record.printableName, key }, { pb::utf8( text ) } );
+    const csWarnings::Place place = warnings->placeOf( key );
+    warnings->problems.warn( place.offset, { warnings->record.printableName, place.key }, { pb::utf8( text ) } );
 }

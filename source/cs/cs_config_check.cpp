@@ -92,8 +92,20 @@ private:
         if ( optionalKey && optionalKey->kind == CS_KEY_FLAGS && problems_.wantsWarnings() )
             if ( const std::string flag = repeatedFlag( value.text ); !flag.empty() )
                 problems_.warn( value.offset, subject(), { "the flag \"" + flag + "\" stands twice" } );
-        if ( value.isContainer() )
+        if ( value.isContainer() ) {
             checkKeys( member.value, subKeys( optionalKey ) );
+            if ( value.complete && value.kind == JsonValue::Kind::Object )
+                checkRequired( value, subKeys( optionalKey ) );
+        }
+    }
+    void checkRequired( const JsonValue &object, Keys keys )
+    {
+        for ( const struct csKey &key : keys ) {
+            const auto isKey = [&]( const JsonMember &member ) { return member.key == key.key; };
+            if ( key.flags & CS_KEY_FLAG_REQUIRED &&
+                 std::none_of( object.members.begin(), object.members.end(), isKey ) )
+                tell( object.offset, { std::string( "\"" ) + key.key + "\" is missing", expectedText( key ) } );
+        }
     }
 
     // By the sort. kept is what stands at the same place in the normalised form, or null where that cannot be told from

@@ -104,7 +104,8 @@ std::string valueProblem( const struct csKey &key, const JsonValue &value )
         const bool known = names.empty() || std::find( names.begin(), names.end(), value.text ) != names.end();
         return known ? "" : valueText( value ) + " is not known";
     }
-    default: return "";
+    default:
+        return !key.accepts || key.accepts( pb::string( value.text ).get() ) ? "" : valueText( value ) + " is not accepted";
     }
 }
 

@@ -158,6 +158,12 @@ std::string configSchema( Keys keys, bool whole )
         properties.emplace_back( key.key, keySchema( key ) );
     members.emplace_back( "properties", object( properties ) );
     members.emplace_back( "additionalProperties", "false" );
+    std::vector<std::string> required;
+    for ( const auto &key : keys )
+        if ( key.flags & CS_KEY_FLAG_REQUIRED )
+            required.emplace_back( key.key );
+    if ( !required.empty() )
+        members.emplace_back( "required", texts( required ) );
     if ( whole ) // an empty one says nothing and is let through
         members.emplace_back( "anyOf",
                               array( { object( { { "required", texts( keyNames( keys ) ) } } ), EmptyObject } ) );

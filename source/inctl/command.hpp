@@ -5,6 +5,8 @@
 #include "inctl/exit_code.hpp"
 #include "inctl/output.hpp"
 
+#include "pb/pb_base.h"
+
 #include <CLI/CLI.hpp>
 
 #include <functional>
@@ -28,6 +30,8 @@ inline constexpr const char *exitCodes = "Exit codes:\n"
 CLI::App *addCommand( CLI::App &parent, Context &context, const std::string &name, const std::string &description,
                       const std::string &examples );
 void addJsonOption( CLI::App &command, Context &context );
+// --timeout, for all look-ups of names together.
+void addTimeout( CLI::App &command, pbInt &milliseconds );
 
 // Not one of those that only the build uses.
 inline bool isShown( const CLI::App &command )
@@ -47,6 +51,7 @@ void addTourNames( CLI::App &root, Context &context ); // run by the tour, not s
 void addCheck( CLI::App &root, Context &context );
 void addMigrate( CLI::App &root, Context &context );
 void addExplain( CLI::App &root, Context &context );
+void addFilter( CLI::App &root, Context &context );
 void addDoctor( CLI::App &root, Context &context );
 void addCompletion( CLI::App &root, Context &context );
 void addManual( CLI::App &root, Context &context ); // for the build of the manual pages, not shown

@@ -22,7 +22,9 @@ struct Subject {
     const char *examples;
     std::vector<Argument> arguments;
     // The arguments come in their order, all of them.
-    Exit ( *explain )( Output &output, const Configuration &configuration, const std::vector<std::string> &arguments );
+    Exit ( *explain )( Output &output, const Configuration &configuration, const std::vector<std::string> &arguments,
+                       pbInt timeout );
+    bool looksNamesUp = false; // takes --timeout
 };
 
 const Subject subjects[] = {
@@ -32,18 +34,26 @@ const Subject subjects[] = {
       "  inctl explain server.json stack sip --json | jq -r .choice.address\n",
       { { "OBJECT", "The name of a stack (IN_STACK) in the file" } },
       explainStack },
+    { "peer",
+      "Tell which entries of a filter match a peer and in how many bits, what their names resolved to, and the verdict",
+      "  inctl explain server.json peer phones 192.0.2.1\n"
+      "  inctl explain server.json peer phones 192.0.2.1 --json | jq -r .explanation.text\n",
+      { { "FILTER", "The name of a filter (IN_FILTER) in the file" }, { "ADDRESS", "The peer's IP address" } },
+      explainPeer,
+      true },
 };
 
 struct ExplainOptions {
     std::string file;
     std::vector<std::string> arguments;
+    pbInt timeout = 5000;
 };
 
 Exit explain( Output &output, const Subject &subject, const ExplainOptions &options )
 {
     const Host host;
     const Configuration configuration( options.file );
-    return subject.explain( output, configuration, options.arguments );
+    return subject.explain( output, configuration, options.arguments, options.timeout );
 }
 
 void addSubject( CLI::App &command, Context &context, const Subject &subject,
@@ -54,6 +64,8 @@ void addSubject( CLI::App &command, Context &context, const Subject &subject,
     auto values = std::make_shared<std::vector<std::string>>( subject.arguments.size() );
     for ( size_t i = 0; i < subject.arguments.size(); ++i )
         added->add_option( subject.arguments[i].name, ( *values )[i], subject.arguments[i].description )->required();
+    if ( subject.looksNamesUp )
+        addTimeout( *added, options->timeout );
     added->callback( [&context, &subject, options, values] {
         options->arguments = *values;
         context.run = [&context, &subject, options] { return explain( context.output, subject, *options ); };

@@ -100,7 +100,8 @@ std::string absentInterface( const struct inOptions *options )
 
 } // namespace
 
-Exit explainStack( Output &output, const Configuration &configuration, const std::vector<std::string> &arguments )
+Exit explainStack( Output &output, const Configuration &configuration, const std::vector<std::string> &arguments,
+                   pbInt )
 {
     const std::string &name = arguments[0];
     const auto options = pb::adopt( inOptionsRestore( configuration.store( name, inStackSort() ).get() ) );

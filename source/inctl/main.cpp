@@ -121,6 +121,7 @@ Exit run( int argumentCount, char **arguments )
     addCheck( app, context );
     addMigrate( app, context );
     addExplain( app, context );
+    addFilter( app, context );
     addDoctor( app, context );
     addCompletion( app, context );
     addManual( app, context );
@@ -148,6 +149,14 @@ void addJsonOption( CLI::App &command, Context &context )
     command.add_flag( "--json{short}", context.jsonForm, "JSON instead of text, short (one line) or pretty" )
         ->type_name( "FORM" )
         ->check( oneOf( { "short", "pretty" } ) );
+}
+
+void addTimeout( CLI::App &command, pbInt &milliseconds )
+{
+    command.add_option( "--timeout", milliseconds, "Wait so long for names that are looked up" )
+        ->type_name( "MS" )
+        ->capture_default_str()
+        ->check( CLI::Range( PB_INT_FROM( 0 ), PB_INT_FROM( 3600000 ) ) );
 }
 
 CLI::App *addCommand( CLI::App &parent, Context &context, const std::string &name, const std::string &description,

@@ -42,6 +42,14 @@ constexpr csKey candidateKeys[] = { text( "address" ), text( "interface" ), arra
 constexpr csKey candidateEntry = store( "", candidateKeys );
 constexpr csKey choiceKeys[] = { array( "candidates", candidateEntry ), text( "address" ),
                                  array( "interfaces", anyText ), text( "primaryInterface" ) };
+constexpr csKey memberKeys[] = { text( "address" ), text( "name" ) };
+constexpr csKey memberEntry = store( "", memberKeys );
+constexpr csKey noteKeys[] = { text( "name" ), text( "text" ) };
+constexpr csKey noteEntry = store( "", noteKeys );
+constexpr csKey filterEntryKeys[] = { text( "host" ), array( "addresses", memberEntry ), array( "notes", noteEntry ) };
+constexpr csKey filterEntry = store( "", filterEntryKeys );
+constexpr csKey explanationKeys[] = { text( "address" ), text( "text" ), text( "stackAddress" ),
+                                      array( "entries", filterEntry ) };
 constexpr csKey checkKeys[] = { text( "name" ), text( "state" ), text( "detail" ), text( "remedy" ) };
 constexpr csKey checkEntry = store( "", checkKeys );
 
@@ -74,6 +82,7 @@ constexpr csKey recordKeys[] = {
     text( "object" ),
     array( "diagnoses", diagnosisEntry ),
     store( "choice", choiceKeys ),
+    store( "explanation", explanationKeys ),
     array( "checks", checkEntry ),
     array( "updates", updateEntry ),
     text( "diff" ),

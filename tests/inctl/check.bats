@@ -114,6 +114,7 @@ completes() {
     completes inctl run s -- sip.json
     completes inctl run sip.json --trace-format '' -- json text
     completes inctl explain sip.json st -- stack
+    completes inctl filter ch -- check
     completes inctl completion '' -- bash
     completes inctl run --for 1 --trace- -- --trace-format --trace-packets
     [ -z "$("$INCTL" completion bash | grep manual)" ]

@@ -52,7 +52,7 @@ load common
 
 @test "help teaches: examples and exit codes" {
     expect 0 'inctl tour' --help
-    for command in interfaces dns-servers resolve "udp send" "udp receive" run tour check "explain x stack" doctor completion version; do
+    for command in interfaces dns-servers resolve "udp send" "udp receive" run tour check "explain x stack" "explain x peer" "filter check" doctor completion version; do
         expect 0 '^  inctl '"${command% x *}" $command --help
         grep -q '4 not permitted' <<<"$output"
     done

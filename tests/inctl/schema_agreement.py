@@ -46,15 +46,16 @@ for sort in [name for name in schema["$defs"] if name != "record"]:
     ways = list(paths(schema["$defs"][sort]))
     assert ways, sort
     for way, value in itertools.product(ways + [("unknownKey",), (ways[-1][0], "unknownKey")], values):
-        # What a condition is called is a relation to the record of that name, which a schema cannot see.
-        if way[-1] == "csConditionName" and isinstance(value, str) and re.fullmatch("[0-9A-Za-z_.-]+", value):
-            value = "condition"
+        # What a condition or a stack is called is a relation to the record of that name, which a schema cannot see.
+        named = {"csConditionName": "condition", "stackName": "stack"}
+        if way[-1] in named and isinstance(value, str) and re.fullmatch("[0-9A-Za-z_.-]+", value):
+            value = named[way[-1]]
         cases.append({"sort": sort, "config": configured(way, value)})
 
 disagreements = accepted = 0
 for start in range(0, len(cases), 800):  # fewer than the errors that are told
     objects = {f"case{i}": case for i, case in enumerate(cases[start:start + 800])}
-    objects["condition"] = {"sort": "CS_CONDITION"}
+    objects |= {"condition": {"sort": "CS_CONDITION"}, "stack": {"sort": "IN_STACK"}}
     with tempfile.NamedTemporaryFile("w", suffix=".json") as file:
         json.dump({"objects": objects}, file)
         file.flush()

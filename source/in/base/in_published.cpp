@@ -2,7 +2,11 @@
 #include "in/base/in_published.hpp"
 
 #include <chrono>
+#include <linux/membarrier.h>
+#include <mutex>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 
 namespace in {
 namespace {
@@ -10,6 +14,11 @@ namespace {
 // All marks there ever were. A mark that its thread has left is taken by a later thread; none is freed, so that the list
 // can be walked at any time.
 constinit std::atomic<ReadMark *> marks{ nullptr };
+
+bool membarrier( int command )
+{
+    return syscall( SYS_membarrier, command, 0, 0 ) == 0;
+}
 
 ReadMark *take()
 {
@@ -49,13 +58,29 @@ ReadMark &ReadMark::create()
     return *current;
 }
 
-void ReadMark::waitUntilUnread( const void *object )
+constinit std::atomic<bool> ReadMark::othersFence{ false };
+
+// Threads other than the first wait for the registration, so that what they read is published after it.
+void ReadMark::prepare()
+{
+    static std::once_flag once;
+    std::call_once( once, [] {
+        othersFence.store( membarrier( MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED ), std::memory_order_relaxed );
+    } );
+}
+
+bool ReadMark::tryWaitUntilUnread( const void *object )
 {
     using namespace std::chrono_literals;
+    std::atomic_thread_fence( std::memory_order_seq_cst );
+    // A system call filter that came later may forbid it.
+    if ( othersFence.load( std::memory_order_relaxed ) && !membarrier( MEMBARRIER_CMD_PRIVATE_EXPEDITED ) )
+        return false;
     for ( ReadMark *mark = marks.load( std::memory_order_seq_cst ); mark; mark = mark->next )
-        for ( int tries = 0; mark->object.load( std::memory_order_seq_cst ) == object; ++tries )
+        for ( int tries = 0; mark->object.load( std::memory_order_acquire ) == object; ++tries )
             if ( tries >= 100 ) // the reader was interrupted, perhaps by this thread: yielding might not let it go on
                 std::this_thread::sleep_for( 50us );
+    return true;
 }
 
 } // namespace in

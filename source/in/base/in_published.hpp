@@ -3,8 +3,10 @@
 // In-tree only.
 //
 // Each thread has a mark of its own, in which it says what it reads (a hazard pointer). The mark is set before it is
-// seen that the object is still the current one; who has replaced it looks at the marks afterwards. Both in one total
-// order, so that either the reader sees the new object or its mark is seen.
+// seen that the object is still the current one; who has replaced it looks at the marks afterwards. So that either the
+// reader sees the new object or its mark is seen, a barrier must stand between the two on each side. Readers leave
+// theirs out: who replaces has the kernel issue one in every thread (membarrier(2)), since objects are read far more
+// often than they are replaced. Where the kernel refuses that, readers issue their own.
 #ifndef IN_PUBLISHED_HPP
 #define IN_PUBLISHED_HPP
 
@@ -25,10 +27,22 @@ struct alignas( 64 ) ReadMark { // of its own cache line: only its thread writes
         ReadMark *mark = current;
         return mark ? *mark : create();
     }
-    // Blocks until no thread reads the object, which none can begin any more.
-    static void waitUntilUnread( const void *object );
+    // Blocks until no thread reads the object, which none can begin any more. False when that cannot be known: the
+    // kernel has taken back what it promised.
+    [[nodiscard]] static bool tryWaitUntilUnread( const void *object );
+    // Before the first object is published. Asks the kernel.
+    static void prepare();
+    // Between setting the mark and looking again.
+    static void fence()
+    {
+        if ( othersFence.load( std::memory_order_relaxed ) ) [[likely]]
+            std::atomic_signal_fence( std::memory_order_seq_cst );
+        else
+            std::atomic_thread_fence( std::memory_order_seq_cst );
+    }
 
 private:
+    static std::atomic<bool> othersFence; // who replaces an object fences for its readers; set before there is one
     friend class ReadMarkOwner;
     static ReadMark &create();
     // Initial-exec reaches it without a call.
@@ -50,17 +64,15 @@ public:
         }
         ~Replaced()
         {
-            if ( !object_ )
-                return;
-            ReadMark::waitUntilUnread( object_ );
-            delete object_;
+            if ( object_ && ReadMark::tryWaitUntilUnread( object_ ) )
+                delete object_;
         }
 
     private:
         const T *object_ = nullptr;
     };
 
-    explicit Published( std::unique_ptr<const T> first ) : current_( first.release() ) {}
+    explicit Published( std::unique_ptr<const T> first ) : current_( first.release() ) { ReadMark::prepare(); }
     Published( const Published & ) = delete;
     Published &operator=( const Published & ) = delete;
     ~Published() { delete current_.load( std::memory_order_relaxed ); } // nobody reads any more
@@ -71,8 +83,9 @@ public:
         ReadMark &mark = ReadMark::ofThread();
         const T *object = current_.load( std::memory_order_relaxed );
         for ( ;; ) {
-            mark.object.store( object, std::memory_order_seq_cst );
-            const T *const now = current_.load( std::memory_order_seq_cst );
+            mark.object.store( object, std::memory_order_relaxed );
+            ReadMark::fence();
+            const T *const now = current_.load( std::memory_order_acquire );
             if ( now == object )
                 break;
             object = now;

@@ -82,7 +82,10 @@ struct AcceptedText : Text {
         value = stored;
         return true;
     }
-    csKey describe( csKey & ) const { return { .kind = CS_KEY_TEXT, .expected = expected }; }
+    csKey describe( csKey & ) const
+    {
+        return { .kind = CS_KEY_TEXT, .expected = expected, .accepts = accepts };
+    }
 };
 
 } // namespace in::form

@@ -1,8 +1,10 @@
 // How the configuration service makes, reads and changes address filters.
 #include "cs/cs_sort_backend.h"
+#include "cs/cs_warnings.h"
 #include "in/filter/in_filter_internal.h"
 #include "in/filter/in_filter_options.h"
 #include "in/filter/in_filter_options_internal.h"
+#include "in/filter/in_filter_warnings_internal.h"
 #include "pb/pb_global.hpp"
 #include "pb/pb_store.h"
 
@@ -51,6 +53,7 @@ void in___FilterCsStartup( void )
     pbInt keyCount = 0;
     const struct csKey *keys = in___FilterOptionsKeys( &keyCount );
     csSortBackendSetKeys( backend.get(), keys, keyCount );
+    csSortBackendSetWarnings( backend.get(), in___FilterWarningsFunc );
 }
 
 void in___FilterCsShutdown( void )

@@ -33,7 +33,7 @@ using in::form::Told;
 constexpr auto form = std::tuple{
     Row{ "host", &inFilterEntry::host,
          Told{ AcceptedText{ in___FilterEntryHostOk, "an IP address or a domain name" },
-               "The address, or the name that is looked up" },
+               "The address, or the name that is looked up", CS_KEY_FLAG_REQUIRED },
          in::form::always },
     Row{ "flags", &inFilterEntry::flags,
          Told{ in::form::Flags{ inFilterEntryFlagsToString, inFilterEntryFlagsFromString, in___FilterEntryFlagsNames },

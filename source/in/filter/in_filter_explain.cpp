@@ -1,4 +1,5 @@
 // Why a filter permits or refuses an address, told from the list that it checks with.
+#include "in/dns/in_dns_query_failure.h"
 #include "in/filter/in_filter_entry.h"
 #include "in/filter/in_filter_list.hpp"
 #include "pb/pb_boxed_int.h"
@@ -161,6 +162,21 @@ Store storeEntry( const struct inFilterOptions *options, pbInt index, const Expl
 }
 
 } // namespace
+
+const char *whyNotFound( pbInt failure )
+{
+    switch ( failure ) {
+    case IN_DNS_QUERY_FAILURE_DISABLED: return "the stack's options forbid the look-up";
+    case IN_DNS_QUERY_FAILURE_NO_NAME: return "there is no such name";
+    case IN_DNS_QUERY_FAILURE_NO_DATA: return "the name has nothing of what was looked up";
+    case IN_DNS_QUERY_FAILURE_NO_ANSWER: return "no name server gave an answer";
+    case IN_DNS_QUERY_FAILURE_SERVER: return "the name server reported a failure";
+    case IN_DNS_QUERY_FAILURE_BAD_ANSWER: return "the answer was not acceptable";
+    case IN_DNS_QUERY_FAILURE_FLUSHED: return "the stack's address changed during the look-up";
+    case IN_DNS_QUERY_FAILURE_NOT_ASKABLE: return "not a name that can be looked up";
+    default: return "the look-up failed";
+    }
+}
 
 Store explain( const FilterList &list, const struct inAddress *optionalAddress )
 {

@@ -352,7 +352,7 @@ void in___FilterImp::takeServices( pbInt index, const struct inDnsQuerySrv *quer
 {
     const auto service = pb::adopt( inDnsQuerySrvService( query ) );
     if ( inDnsQuerySrvError( query ) )
-        return note( index, service, "the look-up failed" );
+        return note( index, service, in::whyNotFound( inDnsQuerySrvFailure( query ) ) );
     size_t beyond = 0;
     const std::vector<pb::String> targets = targetsOf( query, beyond );
     if ( targets.empty() )
@@ -391,7 +391,7 @@ void in___FilterImp::takeAddresses( pbInt index, const struct inDnsQueryAddresse
     const auto name = pb::adopt( inDnsQueryAddressesDomainName( query ) );
     const auto entry = entryAt( index );
     if ( inDnsQueryAddressesError( query ) )
-        return noteUnlessAddress( index, name, "the look-up failed" );
+        return noteUnlessAddress( index, name, in::whyNotFound( inDnsQueryAddressesFailure( query ) ) );
     for ( pbInt i = 0; i < inDnsQueryAddressesAddressesLength( query ); ++i )
         append( index, entry.get(), pb::adopt( inDnsQueryAddressesAddressAt( query, i ) ).get(), name );
 }
@@ -483,10 +483,10 @@ pb::Ref<struct inFilterEntry> in___FilterImp::entryAt( pbInt index ) const
 // What a person can see of the filter without reading its trace.
 void in___FilterImp::report()
 {
-    csStatusReporterSetUp( status.get(), listIsOfOptions );
     setItem( "inFilterAddresses", std::to_string( list->length() ) );
-    setItem( "inFilterRebuilding", buildRebuilding ? "true" : "" );
     setItem( "inFilterFailures", list->notesText() );
+    csStatusReporterSetUp( status.get(), listIsOfOptions );
+    setItem( "inFilterRebuilding", buildRebuilding ? "true" : "" ); // last: when it changes all else has
 }
 
 void in___FilterImp::setItem( const char *key, const std::string &value ) const

@@ -77,6 +77,9 @@ private:
     FilterFindings findings_;
 };
 
+// Of a DNS query's failure, for a note.
+const char *whyNotFound( pbInt failure );
+
 // The store of inFilterExplain, but for what the list does not know: "permitted", "stackAddress", "rebuilding".
 pb::Ref<struct pbStore> explain( const FilterList &list, const struct inAddress *optionalAddress );
 // Why the list refuses or permits the address: "entry 1 matches 22 of 24 bits; entry 2 resolved to ...".

@@ -1,4 +1,4 @@
-// FilterRanges: making disjoint ranges of any, and the tree over them.
+// FilterRanges: from ranges to turns, and from turns to what is searched.
 #include "in/filter/in_filter_ranges.hpp"
 
 #include <algorithm>
@@ -8,59 +8,98 @@ namespace {
 
 template <class Key> constexpr Key greatest = static_cast<Key>( ~Key( 0 ) );
 
-// Sorted, and neither overlapping nor touching.
-template <class Key> void unite( std::vector<FilterRange<Key>> &ranges )
+int leadingZeros( Uint128 value ) // not 0
 {
-    std::sort( ranges.begin(), ranges.end(), []( const auto &a, const auto &b ) { return a.first < b.first; } );
-    size_t count = 0;
-    for ( const FilterRange<Key> &range : ranges )
-        if ( count && ( ranges[count - 1].last == greatest<Key> || range.first <= ranges[count - 1].last + 1 ) )
-            ranges[count - 1].last = std::max( ranges[count - 1].last, range.last );
-        else
-            ranges[count++] = range;
-    ranges.resize( count );
-}
-
-size_t groups( size_t count, size_t size )
-{
-    return ( count + size - 1 ) / size;
+    const auto upper = static_cast<uint64_t>( value >> 64 );
+    return upper ? __builtin_clzll( upper ) : 64 + __builtin_clzll( static_cast<uint64_t>( value ) );
 }
 
 } // namespace
 
-template <class Key> FilterRanges<Key>::FilterRanges( std::vector<FilterRange<Key>> ranges )
+template <class Key> Turns<Key>::Turns( std::vector<FilterRange<Key>> ranges )
 {
-    unite( ranges );
-    length_ = ranges.size();
-    leaves_.resize( std::max<size_t>( groups( length_, leafRanges ), 1 ) );
-    for ( size_t i = 0; i < leaves_.size() * leafRanges; ++i ) {
-        Leaf &leaf = leaves_[i / leafRanges];
-        leaf.firsts[i % leafRanges] = i < length_ ? ranges[i].first : greatest<Key>;
-        leaf.lasts[i % leafRanges] = i < length_ ? ranges[i].last : 0;
-    }
-
-    std::vector<Key> lasts; // of each child of the level to be made
-    for ( size_t i = 0; i < leaves_.size() && length_; ++i )
-        lasts.push_back( ranges[std::min( length_, ( i + 1 ) * leafRanges ) - 1].last );
-    std::vector<std::vector<Node>> levels; // the root's comes last
-    while ( lasts.size() > 1 ) {
-        std::vector<Node> &level = levels.emplace_back( groups( lasts.size(), fanOut ) );
-        std::vector<Key> lastsAbove;
-        for ( size_t node = 0; node < level.size(); ++node ) {
-            const size_t firstChild = node * fanOut, lastChild = std::min( lasts.size(), firstChild + fanOut ) - 1;
-            for ( size_t i = 0; i < nodeKeys; ++i )
-                level[node].lasts[i] = firstChild + i < lastChild ? lasts[firstChild + i] : greatest<Key>;
-            lastsAbove.push_back( lasts[lastChild] );
-        }
-        lasts = std::move( lastsAbove );
-    }
-    for ( auto level = levels.rbegin(); level != levels.rend(); ++level ) {
-        levels_.push_back( nodes_.size() );
-        nodes_.insert( nodes_.end(), level->begin(), level->end() );
+    std::sort( ranges.begin(), ranges.end(), []( const auto &a, const auto &b ) { return a.first < b.first; } );
+    for ( size_t i = 0; i < ranges.size(); ) {
+        const Key first = ranges[i].first;
+        Key last = ranges[i].last;
+        // What overlaps or touches belongs to it.
+        for ( ++i; i < ranges.size() && ( last == greatest<Key> || ranges[i].first <= last + 1 ); ++i )
+            last = std::max( last, ranges[i].last );
+        if ( first == 0 )
+            zeroInside = true;
+        else
+            after.push_back( first - 1 );
+        if ( last != greatest<Key> )
+            after.push_back( last );
     }
 }
 
-template class FilterRanges<uint32_t>;
-template class FilterRanges<Uint128>;
+template struct Turns<uint32_t>;
+template struct Turns<Uint128>;
+
+FilterRanges<uint32_t>::FilterRanges( std::vector<FilterRange<uint32_t>> ranges )
+{
+    Turns<uint32_t> turns( std::move( ranges ) );
+    zeroInside_ = turns.zeroInside;
+    if ( turns.after.empty() )
+        turns.after.push_back( greatest<uint32_t> ); // nothing is above it
+    tree_ = trees_.add( turns.after );
+}
+
+FilterRanges<Uint128>::FilterRanges( std::vector<FilterRange<Uint128>> ranges )
+{
+    const Turns<Uint128> turns( std::move( ranges ) );
+    if ( !turns.after.empty() )
+        addPart( turns.after.data(), turns.after.size(), turns.zeroInside );
+    else
+        parts_.push_back( { .insideBefore = turns.zeroInside } ); // no key is above its first turn
+}
+
+size_t FilterRanges<Uint128>::addPart( const Uint128 *turns, size_t count, bool insideBefore )
+{
+    const size_t number = parts_.size();
+    parts_.emplace_back();
+    Part part;
+    part.first = turns[0];
+    part.last = turns[count - 1];
+    part.insideBefore = insideBefore;
+    part.insideAfter = insideBefore ^ ( count & 1 );
+    part.firstCells = static_cast<uint32_t>( cells_.size() );
+    if ( count > 1 )
+        part.skippedBits = static_cast<uint32_t>( leadingZeros( part.first ^ part.last ) );
+
+    const uint32_t bitsBelow = part.skippedBits < 96 ? 96 - part.skippedBits : 0;
+    const Uint128 windowEnd = ( Uint128( 1 ) << bitsBelow ) - 1;
+    std::vector<uint32_t> windows;
+    struct Crowd { // the turns of a cell that has more than two
+        const Uint128 *turns;
+        size_t count, pair;
+        bool insideBefore;
+    };
+    std::vector<Crowd> crowds;
+    bool inside = insideBefore;
+    for ( size_t i = 0, end; i < count; i = end ) {
+        const uint32_t window = part.window( turns[i] );
+        for ( end = i + 1; end < count && part.window( turns[end] ) == window; )
+            ++end;
+        const size_t bit = windows.size() % 64;
+        if ( bit == 0 )
+            cells_.push_back( { 0, 0, static_cast<uint32_t>( pairs_.size() ) } );
+        windows.push_back( window );
+        cells_.back().insideBefore |= uint64_t{ inside } << bit;
+        if ( end - i > 2 )
+            crowds.push_back( { turns + i, end - i, pairs_.size(), inside } );
+        if ( end - i > 1 || ( turns[i] & windowEnd ) != windowEnd ) {
+            cells_.back().looksCloser |= uint64_t{ 1 } << bit;
+            pairs_.push_back( { turns[i], end - i > 1 ? turns[i + 1] : greatest<Uint128> } );
+        }
+        inside ^= ( end - i ) & 1;
+    }
+    part.tree = trees_.add( windows );
+    parts_[number] = part;
+    for ( const Crowd &crowd : crowds )
+        pairs_[crowd.pair] = { greatest<Uint128>, addPart( crowd.turns, crowd.count, crowd.insideBefore ) };
+    return number;
+}
 
 } // namespace in

@@ -1,11 +1,11 @@
 // FilterRanges: a set of integers, given as ranges that may overlap, and asked for single members. Immutable.
-// The cost of a question grows with the number of levels of a tree with wide nodes: a node is one or two cache lines, all
-// of its keys are looked at, and no branch depends on them. In-tree only.
+// It is kept as its turns: the integers after which what was inside is outside and the other way round. Whether one is a
+// member follows from the number of turns below it. In-tree only.
 #ifndef IN_FILTER_RANGES_HPP
 #define IN_FILTER_RANGES_HPP
 
-#include <cstddef>
-#include <cstdint>
+#include "in/filter/in_rank_tree.hpp"
+
 #include <vector>
 
 namespace in {
@@ -16,64 +16,91 @@ template <class Key> struct FilterRange {
     Key first, last; // both inclusive, first <= last
 };
 
-// Key is uint32_t or Uint128.
-template <class Key> class FilterRanges {
-public:
-    FilterRanges() : FilterRanges( std::vector<FilterRange<Key>>() ) {}
-    explicit FilterRanges( std::vector<FilterRange<Key>> ranges );
+// The turns of a set, ascending; zero is a member or not.
+template <class Key> struct Turns {
+    bool zeroInside = false;
+    std::vector<Key> after;
 
-    bool contains( Key key ) const
-    {
-        size_t at = 0;
-        for ( const size_t level : levels_ )
-            at = at * fanOut + countBelow( nodes_[level + at].lasts, key );
-        const Leaf &leaf = leaves_[at];
-        bool found = false;
-        for ( size_t i = 0; i < leafRanges; ++i )
-            found |= ( leaf.firsts[i] <= key ) & ( key <= leaf.lasts[i] );
-        return found;
-    }
-    size_t length() const { return length_; } // of disjoint ranges that do not touch
-
-private:
-    static constexpr size_t nodeKeys = sizeof( Key ) == 4 ? 16 : 8;
-    static constexpr size_t fanOut = nodeKeys + 1;
-    static constexpr size_t leafRanges = nodeKeys / 2;
-
-    // The last members of all children but the last one. Where there are fewer the rest is the greatest key, below which
-    // everything is.
-    struct alignas( 64 ) Node {
-        Key lasts[nodeKeys];
-    };
-    // Where there are fewer ranges the rest is empty: first above last.
-    struct alignas( 64 ) Leaf {
-        Key firsts[leafRanges], lasts[leafRanges];
-    };
-
-    static size_t countBelow( const Key ( &keys )[nodeKeys], Key key )
-    {
-        if constexpr ( sizeof( Key ) == 4 ) {
-            uint32_t count = 0; // of the keys' width, so that the loop becomes one of vectors
-            for ( const Key each : keys )
-                count += each < key;
-            return count;
-        }
-        else {
-            size_t count = 0;
-            for ( const Key each : keys )
-                count += each < key;
-            return count;
-        }
-    }
-
-    std::vector<Node> nodes_;
-    std::vector<size_t> levels_; // where each begins, the root's first
-    std::vector<Leaf> leaves_;   // at least one
-    size_t length_ = 0;
+    explicit Turns( std::vector<FilterRange<Key>> ranges );
 };
 
-extern template class FilterRanges<uint32_t>;
-extern template class FilterRanges<Uint128>;
+template <class Key> class FilterRanges;
+
+template <> class FilterRanges<uint32_t> {
+public:
+    FilterRanges() : FilterRanges( std::vector<FilterRange<uint32_t>>() ) {}
+    explicit FilterRanges( std::vector<FilterRange<uint32_t>> ranges );
+
+    bool contains( uint32_t key ) const { return zeroInside_ ^ ( trees_.rank( tree_, key ) & 1 ); }
+
+private:
+    RankTrees trees_;
+    RankTree tree_;
+    bool zeroInside_;
+};
+
+// Of 128 bits only a window of 32 is searched, which begins where the turns first differ; it tells nearly all of them
+// apart. The few turns that agree in it, in most cases the two of a range that is small, are compared whole, or searched
+// in a window of their own if there are more than two: at most four windows in all.
+template <> class FilterRanges<Uint128> {
+public:
+    FilterRanges() : FilterRanges( std::vector<FilterRange<Uint128>>() ) {}
+    explicit FilterRanges( std::vector<FilterRange<Uint128>> ranges );
+
+    bool contains( Uint128 key ) const
+    {
+        for ( size_t at = 0;; ) {
+            const Part &part = parts_[at];
+            if ( key <= part.first )
+                return part.insideBefore;
+            if ( key > part.last )
+                return part.insideAfter;
+            const uint32_t window = part.window( key );
+            const size_t rank = trees_.rank( part.tree, window );
+            const Cells &cells = cells_[part.firstCells + rank / 64];
+            const bool inside = cells.insideBefore >> ( rank % 64 ) & 1;
+            if ( !trees_.isKey( part.tree, rank, window ) || !( cells.looksCloser >> ( rank % 64 ) & 1 ) )
+                return inside;
+            const uint64_t closerBefore = cells.looksCloser & ( ( uint64_t{ 1 } << ( rank % 64 ) ) - 1 );
+            const Pair &pair = pairs_[cells.firstPair + static_cast<size_t>( __builtin_popcountll( closerBefore ) )];
+            if ( pair.isPart() ) {
+                at = static_cast<size_t>( pair.second );
+                continue;
+            }
+            return inside ^ ( key > pair.first ) ^ ( key > pair.second );
+        }
+    }
+
+private:
+    // Turns that agree in all bits before the window.
+    struct Part {
+        Uint128 first = ~Uint128( 0 ), last = ~Uint128( 0 ); // turns
+        RankTree tree;                                       // of the windows, each once; those are the cells
+        uint32_t skippedBits = 0;
+        uint32_t firstCells = 0;
+        bool insideBefore = false, insideAfter = false;
+
+        uint32_t window( Uint128 key ) const { return static_cast<uint32_t>( ( key << skippedBits ) >> 96 ); }
+    };
+    // 64 cells of a part, a bit each. No key of the part is above its last cell.
+    struct Cells {
+        uint64_t insideBefore = 0; // before the turns of the cell, hence also between it and the one before
+        uint64_t looksCloser = 0;  // the cell has turns below the end of the window
+        uint32_t firstPair = 0;    // of the cells that look closer, one each
+    };
+    // One or two turns, of which the second is the greatest key if there is only one; or the number of a part.
+    struct alignas( 32 ) Pair {
+        Uint128 first, second;
+        bool isPart() const { return first > second; }
+    };
+
+    size_t addPart( const Uint128 *turns, size_t count, bool insideBefore );
+
+    RankTrees trees_;
+    std::vector<Part> parts_; // the first is for all turns
+    std::vector<Cells> cells_;
+    std::vector<Pair, LargePages<Pair>> pairs_;
+};
 
 } // namespace in
 
