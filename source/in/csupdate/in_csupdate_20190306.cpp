@@ -1,6 +1,8 @@
 // To 11.0: filter entries say how they match; so far all did by address and by what DNS says of a host.
 #include "in/csupdate/in_csupdate.hpp"
 
+#include "in/filter/in_filter.h"
+
 using namespace in::csupdate;
 
 static constinit in::csupdate::Backend in___Csupdate20190306Backend;
@@ -38,6 +40,6 @@ void in___Csupdate20190306Func( struct csUpdateBackend *, struct csUpdate **upda
     PB_ASSERT( *update );
     if ( !isAtMost( *update, 10 ) )
         return;
-    rewriteObjects( update, pb::adopt( csUpdateObjectsBySortNameCstr( *update, "IN_FILTER", -1 ) ), addEntryFlags );
+    rewriteObjects( update, pb::adopt( csUpdateObjectsBySort( *update, inFilterSort() ) ), addEntryFlags );
     setVersion( update, "11.0" );
 }
