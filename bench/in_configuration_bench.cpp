@@ -136,17 +136,23 @@ void measure( int count, const pb::Ref<struct inNwStack> &link )
 
 } // namespace
 
-int main()
+// Other numbers of pairs as arguments.
+int main( int argumentCount, char **arguments )
 {
+    std::vector<int> counts;
+    for ( int i = 1; i < argumentCount; ++i )
+        counts.push_back( std::max( std::atoi( arguments[i] ), 1 ) );
+    if ( counts.empty() )
+        counts = { 10, 100, 1000 };
     if ( unshare( CLONE_NEWNET ) != 0 )
         bench::fail( "a network namespace" );
-    if ( std::system( "ip link set lo up; ip link add bench0 type dummy && ip link set bench0 up" ) != 0 )
+    if ( std::system( "ip link set lo up; ip link add bench0 type bridge && ip link set bench0 up" ) != 0 )
         bench::fail( "ip" );
     const bench::Modules modules;
     const auto link = pb::adopt( inNwStackCreate( wish( 0 ).get(), nullptr ) );
     std::printf( "medians of %d; a pair is a stack and a QoS stack\n%6s %10s %10s %12s %14s %12s %14s\n", rounds, "pairs",
                  "read ms", "start ms", "bytes/pair", "change ms", "re-load ms", "getifaddrs ms" );
-    for ( const int count : { 10, 100, 1000 } )
+    for ( const int count : counts )
         measure( count, link );
     (void)std::remove( path.c_str() ); // a leftover of the benchmark alone
     return 0;
