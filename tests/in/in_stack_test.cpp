@@ -2,6 +2,7 @@
 #include "in/base/in_stack.h"
 
 #include "cs/cs_configuration.h"
+#include "cs/cs_json.h"
 #include "cs/cs_status_reporter.h"
 #include "in/base/in_address.h"
 #include "in/base/in_address_version.h"
@@ -82,7 +83,9 @@ TEST( Stack, FollowsItsOptions )
     pr___Quiesce();
     const auto status = pb::adopt( inStackCsStatus( stack.get() ) );
     EXPECT_EQ( addressText( stack ), "null" );
-    EXPECT_EQ( pbStoreLength( pb::adopt( csStatusReporterItems( status.get() ) ).get() ), 0 );
+    EXPECT_EQ( pb::utf8( pb::adopt( csJsonFromStore( pb::adopt( csStatusReporterItems( status.get() ) ).get(),
+                                                     CS_JSON_SHORT ) ) ),
+               R"({"inStackReason": "no address: no interface has one that the options allow"})" );
     EXPECT_FALSE( csStatusReporterUp( status.get() ) );
     EXPECT_EQ( pb::utf8( pb::adopt( pbStoreValueCstr( catcher.configuration( "IN_STACK" ).get(), "address", -1 ) ) ),
                "192.0.2.77" );

@@ -61,6 +61,12 @@ std::vector<std::string> names( struct pbVector *interfaces )
     return found;
 }
 
+std::string item( const pb::Ref<struct inStack> &stack, const char *key )
+{
+    const auto items = pb::adopt( csStatusReporterItems( pb::adopt( inStackCsStatus( stack.get() ) ).get() ) );
+    return pb::utf8( pb::adopt( pbStoreValueCstr( items.get(), key, -1 ) ) );
+}
+
 // "10.1.0.1 of eth0 on eth0 up", as published in one piece; the status reporter must agree.
 std::string describe( const pb::Ref<struct inStack> &stack )
 {
@@ -70,10 +76,8 @@ std::string describe( const pb::Ref<struct inStack> &stack )
     pbBool up = false;
     inStackConfiguration( stack.get(), nullptr, address.address(), primary.address(), interfaces.address(), &up );
     const auto status = pb::adopt( inStackCsStatus( stack.get() ) );
-    const auto item =
-        pb::adopt( pbStoreValueCstr( pb::adopt( csStatusReporterItems( status.get() ) ).get(), "inStackAddress", -1 ) );
     const std::string addressText = address ? pb::utf8( pb::adopt( inAddressToString( address.get() ) ) ) : "null";
-    EXPECT_EQ( addressText, pb::utf8( item ) );
+    EXPECT_EQ( addressText, item( stack, "inStackAddress" ) );
     EXPECT_EQ( up, csStatusReporterUp( status.get() ) );
 
     std::string text = addressText + " of " +
@@ -162,6 +166,7 @@ TEST( Stack, FollowsAnInterfaceThatGoesAndComesBack )
         RunningHost running;
         const auto stack = makeStack( "eth0" );
         EXPECT_EQ( describe( stack ), "null of null on down" );
+        EXPECT_EQ( item( stack, "inStackReason" ), "no address: no interface eth0" );
         const auto barrier = pb::adopt( pbBarrierCreate( 0 ) );
         const auto signalable = pb::adopt( pbSignalableCreateBarrier( barrier.get() ) );
         const auto after = [&]( const char *command ) { // and whether the registry has signalled
@@ -179,11 +184,13 @@ TEST( Stack, FollowsAnInterfaceThatGoesAndComesBack )
         EXPECT_FALSE( find( "eth0" ) );
         EXPECT_TRUE( inNwInterfaceStateEnd( pb::adopt( inNwInterfaceState( first.get() ) ).get() ) );
         EXPECT_EQ( describe( stack ), "null of null on down" );
+        EXPECT_EQ( item( stack, "inStackReason" ), "no address: no interface eth0" );
         EXPECT_TRUE( after( "ip link add eth0 type bridge; ip addr add 10.1.0.2/16 dev eth0; ip link set eth0 up" ) );
         EXPECT_NE( find( "eth0" ).get(), first.get() );
         EXPECT_EQ( describe( stack ), "10.1.0.2 of eth0 on eth0 up" );
         EXPECT_FALSE( after( "ip link set eth0 down" ) ); // only the interface itself says so
         EXPECT_EQ( describe( stack ), "10.1.0.2 of eth0 on eth0 down" );
+        EXPECT_EQ( item( stack, "inStackReason" ), "interface eth0 is down" );
     } );
 }
 

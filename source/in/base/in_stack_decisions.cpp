@@ -1,10 +1,12 @@
 // What a stack decides, apart from the object that runs.
 #include "in/base/in_stack_decisions.hpp"
 
+#include "in/base/in_options.h"
 #include "in/nw/in_nw_interface.h"
 #include "in/nw/in_nw_interface_state.h"
 #include "in/nw/in_nw_interface_status.h"
 #include "in/tcp/in_tcp_address.h"
+#include "pb/pb_string.hpp"
 #include "pb/pb_vector.h"
 
 namespace in {
@@ -18,6 +20,21 @@ bool anyInterfaceUp( const struct pbVector *interfaces )
             return true;
     }
     return false;
+}
+
+std::string stackReason( const struct inOptions *options, const struct inAddress *optionalAddress,
+                         const struct inNwInterface *optionalPrimaryInterface, bool up )
+{
+    const auto wanted = pb::adopt( inOptionsInterface( options ) );
+    std::string text;
+    if ( !optionalAddress && wanted && !optionalPrimaryInterface )
+        return "no address: no interface " + pb::utf8( wanted );
+    if ( !optionalAddress )
+        text = "no address: no interface has one that the options allow";
+    if ( optionalPrimaryInterface && !up )
+        text += ( text.empty() ? "interface " : "; interface " ) +
+                pb::utf8( pb::adopt( inNwInterfaceIdentifier( optionalPrimaryInterface ) ) ) + " is down";
+    return text;
 }
 
 void TcpBlacklist::set( const struct inTcpAddress *address, pbInt expiry )

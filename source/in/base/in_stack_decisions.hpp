@@ -1,4 +1,5 @@
-// What a stack decides, apart from the object that runs: whether it is up, and whom its TCP blacklist holds.
+// What a stack decides, apart from the object that runs: whether it is up, why it is not, and whom its TCP blacklist
+// holds.
 #ifndef IN_STACK_DECISIONS_HPP
 #define IN_STACK_DECISIONS_HPP
 
@@ -7,7 +8,11 @@
 #include "pb/pb_priority_map.h"
 
 #include <optional>
+#include <string>
 
+struct inAddress;
+struct inNwInterface;
+struct inOptions;
 struct inTcpAddress;
 struct pbVector;
 
@@ -15,6 +20,11 @@ namespace in {
 
 // At least one inNwInterface of the vector is up.
 bool anyInterfaceUp( const struct pbVector *interfaces );
+
+// For a person: why a stack with these options has no address or is down; empty when it has one and is up. The primary
+// interface is the configured one where there is one.
+std::string stackReason( const struct inOptions *options, const struct inAddress *optionalAddress,
+                         const struct inNwInterface *optionalPrimaryInterface, bool up );
 
 // TCP addresses, each until a time of the monotonic clock.
 class TcpBlacklist {

@@ -96,6 +96,7 @@ struct in___StackImp final : pb::Object<struct in___StackImp, in___sort_IN___STA
     void publishAddress( const Binding &found ) PB_REQUIRES( monitor );
     void publishInterfaces( const Binding &found ) PB_REQUIRES( monitor );
     bool publishUp() PB_REQUIRES( monitor );
+    void publishReason() PB_REQUIRES( monitor );
     // The update signal that is over, to be dropped after the monitor.
     [[nodiscard]] pb::Ref<struct pbSignal> assertUpdate() PB_REQUIRES( monitor );
     void keepAnswers( pbInt now, in::DnsDropped &dropped ) PB_REQUIRES( monitor );
@@ -147,6 +148,7 @@ void in___StackImp::run()
     if ( changes.interfaces )
         publishInterfaces( found );
     changes.up = publishUp();
+    publishReason();
     if ( changes.address || changes.interfaces || changes.up )
         over = assertUpdate();
     blacklist.expire( now );
@@ -230,6 +232,16 @@ bool in___StackImp::publishUp()
     up = isUp;
     csStatusReporterSetUp( status.get(), up );
     return true;
+}
+
+void in___StackImp::publishReason()
+{
+    const std::string reason =
+        in::stackReason( optionsInEffect_.get(), binding.address.get(), binding.primaryInterface.get(), up );
+    if ( reason.empty() )
+        csStatusReporterDelItemCstr( status.get(), "inStackReason", -1 );
+    else
+        csStatusReporterSetItemCstr( status.get(), "inStackReason", -1, pb::string( reason ).get() );
 }
 
 pb::Ref<struct pbSignal> in___StackImp::assertUpdate()
