@@ -2,10 +2,12 @@
 #include "inctl/command.hpp"
 #include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
+#include "inctl/live_table.hpp"
 #include "inctl/run_lines.hpp"
 #include "inctl/run_loop.hpp"
 #include "inctl/trace_sink.hpp"
 
+#include <cerrno>
 #include <memory>
 #include <optional>
 
@@ -18,9 +20,24 @@ struct RunOptions {
     TraceChoice trace;
 };
 
+// Not where traces go to the same terminal, over the table.
+bool wantsTable( const Output &output, const RunOptions &options )
+{
+    return Screen::usable( output ) && !( options.trace.target == "-" && isatty( STDERR_FILENO ) );
+}
+
+std::unique_ptr<RunView> makeView( bool table, Output &output, const Configuration &configuration,
+                                   const RunBoard &board )
+{
+    if ( table )
+        return std::make_unique<LiveTable>( output, configuration, board );
+    return std::make_unique<RunLines>( output, configuration, board );
+}
+
 Exit runFile( Output &output, const RunOptions &options )
 {
-    ControlSignals signals( false );
+    const bool table = wantsTable( output, options );
+    ControlSignals signals( table );
     std::optional<TraceSink> trace;
     if ( !options.trace.target.empty() )
         trace.emplace( options.trace );
@@ -29,14 +46,18 @@ Exit runFile( Output &output, const RunOptions &options )
     Configuration configuration( options.file );
     Waiter waiter;
     RunBoard board;
-    RunLines view( output, configuration, board );
     const auto start = Waiter::Clock::now();
     configuration.start();
+    const std::unique_ptr<RunView> view = makeView( table, output, configuration, board );
     std::optional<Waiter::Clock::time_point> deadline;
     if ( options.seconds )
         deadline = start + std::chrono::milliseconds( static_cast<pbInt>( *options.seconds * 1000 ) );
-    RunLoop( { output, configuration, waiter, signals, file, board, view } ).run( deadline );
-    view.ending( std::chrono::duration_cast<std::chrono::milliseconds>( Waiter::Clock::now() - start ) );
+    RunLoop( { output, configuration, waiter, signals, file, board, *view,
+               trace ? &*trace : nullptr } ).run( deadline );
+    view->ending( std::chrono::duration_cast<std::chrono::milliseconds>( Waiter::Clock::now() - start ) );
+    // A host that nobody can follow any more has not been ended by its user.
+    if ( output.broken() && output.error() != EINTR )
+        throw unwritable( output );
     return Exit::Yes;
 }
 

@@ -7,8 +7,13 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace inctl {
 namespace {
@@ -135,7 +140,12 @@ Exit run( int argumentCount, char **arguments )
     if ( !context.run )
         return parsed;
     try {
-        return context.run();
+        const Exit exit = context.run();
+        // That the reader of a pipe has seen enough is no error.
+        const int error = context.output.error();
+        if ( exit == Exit::Yes && error && error != EPIPE && error != EINTR )
+            throw unwritable( context.output );
+        return exit;
     } catch ( const Failure &failure ) {
         context.output.failure( failure );
         return failure.exit;
@@ -170,8 +180,21 @@ CLI::App *addCommand( CLI::App &parent, Context &context, const std::string &nam
 
 } // namespace inctl
 
+namespace {
+
+// What is closed leads nowhere: else the next socket would get its number, and the output would go there.
+void openStandardDescriptors()
+{
+    for ( const int descriptor : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO } )
+        if ( fcntl( descriptor, F_GETFD ) < 0 && open( "/dev/null", O_RDWR ) != descriptor ) // the lowest that is free
+            std::_Exit( static_cast<int>( inctl::Exit::System ) ); // and nowhere to say it
+}
+
+} // namespace
+
 int main( int argumentCount, char **arguments )
 {
+    openStandardDescriptors();
     // Only characters: numbers are printed the same everywhere.
     std::setlocale( LC_CTYPE, "" );
     inctl::resetSignals();

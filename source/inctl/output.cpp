@@ -5,9 +5,11 @@
 
 #include <fmt/chrono.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <stdio_ext.h>
 #include <unistd.h>
 
@@ -58,12 +60,13 @@ std::string Output::paint( Paint paint, std::string_view text ) const
 
 void Output::write( std::string_view text, std::string_view end )
 {
-    if ( broken_ )
+    if ( broken() )
         return;
+    errno = 0;
     // Flushed line by line: the output is followed live, by people and by scripts.
     if ( std::fwrite( text.data(), 1, text.size(), stdout ) != text.size() ||
          std::fwrite( end.data(), 1, end.size(), stdout ) != end.size() || std::fflush( stdout ) != 0 ) {
-        broken_ = true;
+        error_ = errno ? errno : EIO;
         __fpurge( stdout ); // else the end of the program would try once more, and might block
     }
 }
@@ -94,6 +97,11 @@ void Output::failure( const Failure &failure )
     complain( fmt::format( "{}{}\n", colour && !prefix.empty() ? painted( Paint::Bad, prefix ) : prefix,
                            failure.sentence ) );
     record( Record().set( "error", failure.sentence ) );
+}
+
+Failure unwritable( const Output &output )
+{
+    return { Exit::System, fmt::format( "standard output: {}", std::strerror( output.error() ) ) };
 }
 
 void complain( std::string_view text )

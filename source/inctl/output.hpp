@@ -35,13 +35,18 @@ public:
     void failure( const Failure &failure );
 
     // Standard output takes nothing any more, as when the reader of a pipe has gone: time to stop.
-    bool broken() const { return broken_; }
+    bool broken() const { return error_ != 0; }
+    // Why, as an error number; 0 while it takes everything. EINTR: the user has ended the program meanwhile.
+    int error() const { return error_; }
 
 private:
     void write( std::string_view text, std::string_view end = "\n" );
 
-    bool broken_ = false;
+    int error_ = 0;
 };
+
+// What broke the output, as a system error.
+Failure unwritable( const Output &output );
 
 // To standard error, as it is. Where that takes nothing there is nobody to tell, and the exit code still stands.
 void complain( std::string_view text );

@@ -1,9 +1,31 @@
 // RunBoard: what a running host says of itself.
 #include "inctl/run_board.hpp"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 namespace inctl {
+namespace {
+
+std::string summaryOf( const std::vector<ObjectState> &states )
+{
+    size_t bad = 0;
+    const ObjectState *first = nullptr;
+    for ( const ObjectState &state : states )
+        if ( !state.good ) {
+            first = first ? first : &state;
+            ++bad;
+        }
+    const std::string count = fmt::format( "{} object{}", states.size(), states.size() == 1 ? "" : "s" );
+    if ( !first )
+        return count + ", all good";
+    const std::string detail = first->detail();
+    return fmt::format( "{}, {} not good: {} {}{}{}", count, bad, first->name, first->state, detail.empty() ? "" : ", ",
+                        detail );
+}
+
+} // namespace
 
 void RunBoard::setStates( std::vector<ObjectState> states )
 {
@@ -32,6 +54,16 @@ RunBoard::Refusal RunBoard::refusal() const
 {
     pb::Guard guard( monitor_ );
     return refusal_;
+}
+
+std::string RunBoard::summary() const
+{
+    const Refusal refused = refusal();
+    const std::string states = summaryOf( *this->states() );
+    if ( refused.problems.empty() )
+        return states;
+    return fmt::format( "new file refused, {} problem{}, {}; what ran before goes on: {}", refused.problems.size(),
+                        refused.problems.size() == 1 ? "" : "s", printable( refused.problems.front() ), states );
 }
 
 void RunBoard::updateAddSignalable( struct pbSignalable *signalable )

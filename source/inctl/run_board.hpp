@@ -31,6 +31,9 @@ public:
     void setRefusal( Refusal refusal );
     Refusal refusal() const;
 
+    // All of it in one line: a refusal first, then how many objects are not good, and why the first of them.
+    std::string summary() const;
+
     // Signalled at the next change; register before reading.
     void updateAddSignalable( struct pbSignalable *signalable );
     void updateDelSignalable( struct pbSignalable *signalable );

@@ -25,7 +25,7 @@ void RunLines::states( const std::vector<ObjectState> &changes )
     if ( !changes.empty() )
         measure();
     for ( const ObjectState &state : changes )
-        show( state );
+        showState( state );
 }
 
 void RunLines::reloaded( const std::vector<Configuration::Change> &changes )
@@ -75,7 +75,7 @@ void RunLines::measure()
     }
 }
 
-void RunLines::show( const ObjectState &state )
+void RunLines::showState( const ObjectState &state )
 {
     output_.record( state.record( event( "status" ) ) );
     const std::string detail = state.detail();

@@ -22,7 +22,7 @@ public:
 
 private:
     void measure();
-    void show( const ObjectState &state );
+    void showState( const ObjectState &state );
 
     Output &output_;
     const Configuration &configuration_;

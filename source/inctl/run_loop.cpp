@@ -5,7 +5,7 @@
 
 namespace inctl {
 
-RunLoop::RunLoop( const Parts &parts ) : parts_( parts ), watch_( parts.configuration, parts.waiter )
+RunLoop::RunLoop( const Parts &parts ) : parts_( parts ), watch_( parts.configuration, parts.waiter ), watchdog_( manager_, parts.waiter )
 {
     parts_.waiter.add( parts_.signals.descriptor() );
     if ( parts_.file.descriptor() >= 0 )
@@ -17,8 +17,18 @@ RunLoop::RunLoop( const Parts &parts ) : parts_( parts ), watch_( parts.configur
 
 void RunLoop::run( std::optional<Clock::time_point> deadline )
 {
+    showStates();
+    manager_.ready();
+    follow( deadline );
+    manager_.stopping();
+}
+
+void RunLoop::follow( std::optional<Clock::time_point> deadline )
+{
     for ( ;; ) {
+        watchdog_.beat();
         showStates();
+        parts_.view.show();
         if ( parts_.output.broken() || parts_.waiter.wait( nextTime( deadline ) ) == Waiter::Woken::Stop )
             return;
         if ( deadline && Clock::now() >= *deadline )
@@ -34,12 +44,13 @@ void RunLoop::showStates()
     if ( states != *parts_.board.states() )
         parts_.board.setStates( std::move( states ) );
     parts_.view.states( changes );
+    manager_.status( parts_.board.summary() );
 }
 
 std::optional<RunLoop::Clock::time_point> RunLoop::nextTime( std::optional<Clock::time_point> deadline ) const
 {
     std::optional<Clock::time_point> next = deadline;
-    for ( const auto &time : { parts_.file.settled() } )
+    for ( const auto &time : { parts_.file.settled(), watchdog_.next(), parts_.view.next() } )
         if ( time )
             next = std::min( next.value_or( *time ), *time );
     return next;
@@ -48,14 +59,21 @@ std::optional<RunLoop::Clock::time_point> RunLoop::nextTime( std::optional<Clock
 void RunLoop::takeEvents()
 {
     const ControlSignals::Asked asked = parts_.signals.take();
+    if ( asked.resize )
+        parts_.view.resized();
+    if ( asked.stop )
+        parts_.view.suspend();
     parts_.file.take();
     const auto settled = parts_.file.settled();
+    if ( asked.reload && parts_.trace )
+        parts_.trace->reopen();
     if ( asked.reload || ( settled && *settled <= Clock::now() ) )
         reload();
 }
 
 void RunLoop::reload()
 {
+    manager_.reloading();
     parts_.file.renew(); // before it is read: a change behind that is seen
     Configuration::Reload reload = parts_.configuration.reload();
     const bool refused = !reload.problems.empty();
@@ -64,6 +82,8 @@ void RunLoop::reload()
         parts_.view.refused( parts_.board.refusal() );
     else
         parts_.view.reloaded( reload.changes );
+    showStates(); // with what is new, before it counts as done
+    manager_.ready();
 }
 
 } // namespace inctl

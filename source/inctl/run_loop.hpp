@@ -7,8 +7,11 @@
 #include "inctl/file_watch.hpp"
 #include "inctl/run_board.hpp"
 #include "inctl/run_view.hpp"
+#include "inctl/service_manager.hpp"
 #include "inctl/status_watch.hpp"
+#include "inctl/trace_sink.hpp"
 #include "inctl/waiter.hpp"
+#include "inctl/watchdog.hpp"
 
 #include <optional>
 
@@ -27,6 +30,7 @@ public:
         FileWatch &file;
         RunBoard &board;
         RunView &view;
+        TraceSink *trace; // or null
     };
 
     explicit RunLoop( const Parts &parts );
@@ -35,6 +39,7 @@ public:
     void run( std::optional<Clock::time_point> deadline );
 
 private:
+    void follow( std::optional<Clock::time_point> deadline );
     void showStates();
     std::optional<Clock::time_point> nextTime( std::optional<Clock::time_point> deadline ) const;
     void takeEvents();
@@ -42,6 +47,8 @@ private:
 
     const Parts parts_;
     StatusWatch watch_;
+    ServiceManager manager_;
+    Watchdog watchdog_;
 };
 
 } // namespace inctl

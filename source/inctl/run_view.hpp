@@ -7,12 +7,15 @@
 #include "inctl/run_board.hpp"
 
 #include <chrono>
+#include <optional>
 #include <vector>
 
 namespace inctl {
 
 class RunView {
 public:
+    using Clock = std::chrono::steady_clock;
+
     RunView() = default;
     virtual ~RunView() = default;
     RunView( const RunView & ) = delete;
@@ -25,6 +28,13 @@ public:
     // A bad file was refused, as the board now says.
     virtual void refused( const RunBoard::Refusal &refusal ) = 0;
     virtual void ending( std::chrono::milliseconds elapsed ) = 0;
+
+    // What a view on a terminal needs besides: the terminal's size has changed; its user wants it for a while.
+    virtual void resized() {}
+    virtual void suspend() {}
+    // When it wants to show what it has gathered, and the call for it, which may come at any time.
+    virtual std::optional<Clock::time_point> next() const { return std::nullopt; }
+    virtual void show() {}
 };
 
 } // namespace inctl

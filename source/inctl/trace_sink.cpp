@@ -7,6 +7,8 @@
 #include "inctl/preview.hpp"
 #include "inctl/record_keys.hpp"
 #include "inctl/signals_blocked.hpp"
+#include "inctl/trace_file.hpp"
+#include "inctl/trace_journal.hpp"
 
 #include "pb/pb_buffer.h"
 #include "pb/pb_string.hpp"
@@ -15,10 +17,9 @@
 #include <fmt/chrono.h>
 #include <spdlog/async.h>
 #include <spdlog/async_logger.h>
-#include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
-#include <chrono>
+#include <syslog.h>
 
 namespace inctl {
 namespace {
@@ -36,10 +37,12 @@ std::string timeText( pbInt nanoseconds )
                         nanoseconds % 1'000'000'000 / 1000 );
 }
 
-std::string jsonLine( const struct trEvent &event )
+std::string jsonLine( const struct trEvent &event, const std::string &object )
 {
     Record record;
     record.set( "time", timeText( event.time ) ).set( "event", kindNames[event.kind] ).set( "stream", event.stream );
+    if ( !object.empty() )
+        record.set( "object", object );
     const std::pair<const char *, const struct pbString *> texts[] = {
         { "name", event.name }, { "text", event.text }, { "key", event.key }, { "value", event.value },
         { "payloadType", event.payloadType } };
@@ -83,7 +86,7 @@ std::string traceText( const struct trEvent &event )
 void addTraceOptions( CLI::App &command, TraceChoice &choice )
 {
     CLI::Option *trace =
-        command.add_flag( "--trace{-}", choice.target, "Trace to standard error, or to the end of a file" );
+        command.add_flag( "--trace{-}", choice.target, "Trace to standard error, to the journal (FILE: journal), or to the end of a file" );
     trace->type_name( "FILE" );
     command.add_option( "--trace-format", choice.format, "text or json (an object a line)" )
         ->type_name( "FORM" )
@@ -94,19 +97,11 @@ void addTraceOptions( CLI::App &command, TraceChoice &choice )
 
 TraceSink::TraceSink( const TraceChoice &choice ) : json_( choice.format == "json" )
 {
-    std::shared_ptr<spdlog::sinks::sink> sink;
-    try {
-        if ( choice.target == "-" )
-            sink = std::make_shared<spdlog::sinks::stderr_sink_st>();
-        else
-            sink = std::make_shared<spdlog::sinks::basic_file_sink_st>( choice.target );
+    {
         const SignalsBlocked blocked;
         thread_ = std::make_shared<spdlog::details::thread_pool>( queuedLines, 1 );
-    } catch ( const spdlog::spdlog_ex &error ) {
-        throw Failure{ Exit::System, fmt::format( "--trace: {}", error.what() ) };
     }
-    sink->set_pattern( "%v" );
-    logger_ = std::make_shared<spdlog::async_logger>( "trace", std::move( sink ), thread_,
+    logger_ = std::make_shared<spdlog::async_logger>( "trace", makeSink( choice.target ), thread_,
                                                       spdlog::async_overflow_policy::overrun_oldest );
     // A full disk must not end the server; what is lost is lost.
     logger_->set_error_handler( []( const std::string & ) {} );
@@ -124,15 +119,72 @@ TraceSink::~TraceSink()
     thread_.reset(); // writes the rest
     if ( lost > 0 )
         complain( fmt::format( "inctl: {} trace lines came too fast and are not in the trace\n", lost ) );
+    if ( file_ && file_->lostLines() > 0 )
+        complain( fmt::format( "inctl: {} trace lines could not be written\n", file_->lostLines() ) );
+}
+
+std::shared_ptr<spdlog::sinks::sink> TraceSink::makeSink( const std::string &target )
+{
+    if ( target == "-" ) {
+        auto standardError = std::make_shared<spdlog::sinks::stderr_sink_st>();
+        standardError->set_pattern( "%v" );
+        return standardError;
+    }
+    journal_ = target == "journal";
+    if ( journal_ )
+        return std::make_shared<TraceJournal>();
+    file_ = std::make_shared<TraceFile>( target, [this] { return thread_->queue_size() == 0; } );
+    return file_;
+}
+
+void TraceSink::reopen()
+{
+    if ( !file_ )
+        return;
+    file_->askToReopen();
+    logger_->flush(); // by the thread, also when nothing is traced
 }
 
 void TraceSink::listen( const struct trEvent *event, void *context )
 {
     TraceSink &sink = *static_cast<TraceSink *>( context );
-    const std::string line = sink.json_ ? jsonLine( *event )
-                                        : fmt::format( "{} {}#{}  {}", timeText( event->time ), pb::utf8( event->name ),
-                                                       event->stream, traceText( *event ) );
+    sink.streams_.follow( *event );
+    const std::string line = sink.journal_ ? sink.journalFields( *event ) : sink.line( *event );
     sink.logger_->log( spdlog::level::info, spdlog::string_view_t( line ) );
+    sink.streams_.forget( *event );
+}
+
+std::string TraceSink::line( const struct trEvent &event ) const
+{
+    return json_ ? jsonLine( event, streams_.of( event ).object )
+                 : fmt::format( "{} {}#{}  {}", timeText( event.time ), pb::utf8( event.name ), event.stream,
+                                traceText( event ) );
+}
+
+// MESSAGE and PRIORITY are the journal's own (systemd.journal-fields(7)).
+std::string TraceSink::journalFields( const struct trEvent &event ) const
+{
+    const TraceStreams::Stream &stream = streams_.of( event );
+    const std::string name = pb::utf8( event.name );
+    const std::string message = json_ ? line( event ) : fmt::format( "{}#{}  {}", name, event.stream, traceText( event ) );
+    const int priority = stream.notable ? LOG_WARNING : event.kind == TR_EVENT_MESSAGE ? LOG_DEBUG : LOG_INFO;
+    JournalFields fields;
+    fields.add( "MESSAGE", message )
+        .add( "PRIORITY", std::to_string( priority ) )
+        .add( "SYSLOG_IDENTIFIER", "inctl" )
+        .add( "IN_TIME", timeText( event.time ) )
+        .add( "IN_EVENT", kindNames[event.kind] )
+        .add( "IN_STREAM", std::to_string( event.stream ) )
+        .add( "IN_STREAM_NAME", name );
+    if ( !stream.object.empty() )
+        fields.add( "IN_OBJECT", stream.object );
+    if ( event.key )
+        fields.add( "IN_KEY", pb::utf8( event.key ) );
+    if ( event.value )
+        fields.add( "IN_VALUE", pb::utf8( event.value ) );
+    if ( event.kind == TR_EVENT_LINKED )
+        fields.add( "IN_OTHER", std::to_string( event.other ) );
+    return fields.text();
 }
 
 } // namespace inctl

@@ -1,7 +1,9 @@
-// TraceSink: writes what the library traces to standard error or a file, as lines of text or JSON, from a thread of its
-// own: tracing threads never wait for a disk or a terminal.
+// TraceSink: writes what the library traces to standard error, a file or the journal, as lines of text or JSON, from a
+// thread of its own: tracing threads never wait for a disk or a terminal.
 #ifndef INCTL_TRACE_SINK_HPP
 #define INCTL_TRACE_SINK_HPP
+
+#include "inctl/trace_streams.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -15,12 +17,17 @@ class logger;
 namespace details {
 class thread_pool;
 }
+namespace sinks {
+class sink;
+}
 } // namespace spdlog
 
 namespace inctl {
 
+class TraceFile;
+
 struct TraceChoice {
-    std::string target; // "": no trace; "-": standard error; else a file, appended to
+    std::string target; // "": no trace; "-": standard error; "journal"; else a file, appended to
     std::string format = "text";
     bool packets = false;
 };
@@ -36,12 +43,21 @@ public:
     TraceSink( const TraceSink & ) = delete;
     TraceSink &operator=( const TraceSink & ) = delete;
 
+    // The file of that name from now on, as when the old one was moved away; nothing for other targets.
+    void reopen();
+
 private:
     static void listen( const struct trEvent *event, void *context );
+    std::shared_ptr<spdlog::sinks::sink> makeSink( const std::string &target );
+    std::string line( const struct trEvent &event ) const;
+    std::string journalFields( const struct trEvent &event ) const;
 
     const bool json_;
     std::shared_ptr<spdlog::details::thread_pool> thread_;
     std::shared_ptr<spdlog::logger> logger_;
+    std::shared_ptr<TraceFile> file_; // or null
+    bool journal_ = false;
+    TraceStreams streams_; // of the listener, which runs one call at a time
 };
 
 // The event as a line of text, without time and stream; for streams of events that a person reads.

@@ -26,7 +26,8 @@ constexpr unsigned closingSeconds = 10;
 // What the handler uses; it may use lock-free atomics only ([support.signal]).
 std::atomic<int> stopSignal = 0; // the one that has come; once requested, it stays so
 std::atomic<int> wakeDescriptor = -1;
-static_assert( std::atomic<int>::is_always_lock_free );
+std::atomic<void ( * )()> farewellCall = nullptr;
+static_assert( std::atomic<int>::is_always_lock_free && std::atomic<void ( * )()>::is_always_lock_free );
 
 [[noreturn]] void refuse( const char *call )
 {
@@ -53,20 +54,33 @@ void setStopHandler( void ( *handler )( int ) )
     (void)sigaction( SIGTERM, &action, nullptr );
 }
 
+// Ends the program in the way of the signal that asked for it.
+void endBy( int number )
+{
+    if ( const auto farewell = farewellCall.load() )
+        farewell();
+    setStopHandler( SIG_DFL );
+    (void)raise( number ); // pending until the handler returns, when it is blocked
+}
+
+extern "C" void inctlEndAtOnce( int number )
+{
+    endBy( number );
+}
+
 extern "C" void inctlTakeStop( int number )
 {
     const int error = errno;
     stopSignal = number;
-    setStopHandler( SIG_DFL );
+    setStopHandler( inctlEndAtOnce );
     (void)alarm( closingSeconds ); // no other alarm is ever set
     write1( wakeDescriptor );
     errno = error;
 }
 
-// Ends the program in the way of the signal that asked for it.
 extern "C" void inctlEndLate( int )
 {
-    (void)raise( stopSignal );
+    endBy( stopSignal );
 }
 
 } // namespace
@@ -92,6 +106,11 @@ void resetSignals()
     (void)pthread_sigmask( SIG_UNBLOCK, &taken, nullptr );
     // A reader that goes away is seen as a failed write; the library's sockets never raise it.
     (void)std::signal( SIGPIPE, SIG_IGN );
+}
+
+void setFarewell( void ( *farewell )() )
+{
+    farewellCall = farewell;
 }
 
 Waiter::Waiter() : wake_( pb::make<Wake>() )

@@ -16,6 +16,9 @@ namespace inctl {
 // SIGINT and SIGTERM end the program at once, whatever it inherited, until a Waiter takes them. To be called first.
 void resetSignals();
 
+// What is still to be done when a signal ends the program at once, in a handler; null: nothing.
+void setFarewell( void ( *farewell )() );
+
 struct Wake; // what a wake writes to
 
 // As long as one lives the first SIGINT or SIGTERM is a request to close down. It interrupts what the main thread is

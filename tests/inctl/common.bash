@@ -4,7 +4,7 @@
 setup() {
     : "${INCTL:?the program to test}" "${EXAMPLES:?the folder of examples}" "${MANUAL:?the folder of manual pages}"
     export NO_COLOR=1 LC_ALL=C.UTF-8
-    started="" host="" inside=()
+    started="" host="" listener="" inside=()
 }
 
 teardown() {
@@ -13,6 +13,7 @@ teardown() {
         wait "$started" || true
     fi
     if [ -n "$host" ]; then kill "$host"; fi
+    if [ -n "$listener" ]; then kill "$listener"; fi
 }
 
 # Makes a host of its own, with loopback up; commands behind "${inside[@]}", and start, run there.
@@ -56,9 +57,24 @@ start() {
     started=$!
 }
 
-# await PATTERN: returns when the program that was started has printed it; fails when it ends before, or hangs.
+# await PATTERN [FILE]: returns when the program that was started has printed it, or it stands in the file; fails when
+# the program ends before, or hangs.
 await() {
-    grep -Eqm1 -- "$1" <(timeout 60 tail -s 0.02 --pid="$started" -n +1 -f "$log" 2>/dev/null) || { cat "$log"; return 1; }
+    local file="${2:-$log}"
+    grep -Eqm1 -- "$1" <(timeout 60 tail -s 0.02 --pid="$started" -n +1 -f "$file" 2>/dev/null) || { cat "$file"; return 1; }
+}
+
+# listen SOCKET FILE: takes the datagrams that come to a UNIX socket, a line each, line feeds as blanks; the teardown
+# ends it.
+listen() {
+    python3 -c 'if True:
+        import socket, sys
+        taken = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        taken.bind(sys.argv[1])
+        while True:
+            print(taken.recv(1 << 20).decode(errors="replace").replace("\n", " "), flush=True)' "$1" >"$2" 3>&- &
+    listener=$!
+    until [ -S "$1" ]; do sleep 0.01; done
 }
 
 # finish SIGNAL CODE: ends the program that was started.
