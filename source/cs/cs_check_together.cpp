@@ -165,6 +165,8 @@ extern "C" void csWarningsAdd( struct csWarnings *warnings, const char *key, con
     PB_ASSERT( warnings );
     PB_ASSERT( key );
     PB_ASSERT( text );
+    if ( warnings->problems.full( cs::Severity::Warning ) )
+        return warnings->problems.warn( 0, {}, {} );
     const csWarnings::Place place = warnings->placeOf( key );
     warnings->problems.warn( place.offset, { warnings->record.printableName, place.key }, { pb::utf8( text ) } );
 }

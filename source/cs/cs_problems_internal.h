@@ -63,8 +63,11 @@ public:
     {
         keep( offset, { Severity::Warning, subject, finding } );
     }
-    // Further errors are counted only: what to say about them need not be found out.
-    bool full() const noexcept { return counts_[0] >= Maximum; }
+    // Further ones are counted only: what to say about them need not be found out.
+    bool full( Severity severity = Severity::Error ) const noexcept
+    {
+        return counts_[static_cast<size_t>( severity )] >= Maximum;
+    }
     // No errors.
     bool empty() const noexcept { return counts_[0] == 0; }
 
