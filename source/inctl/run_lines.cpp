@@ -52,10 +52,9 @@ void RunLines::refused( const RunBoard::Refusal &refusal )
         lines += problem + "\n";
     }
     complain( lines );
-    output_.line( fmt::format( "{}  {}", timeOfDay(),
-                               output_.paint( Paint::Bad, fmt::format( "refused {}, {}; what ran before goes on",
-                                                                       printable( configuration_.path() ),
-                                                                       count( refusal.problems.size(), "problem" ) ) ) ) );
+    const std::string what = fmt::format( "refused {}, {}; what ran before goes on", printable( configuration_.path() ),
+                                          count( refusal.problems.size(), "problem" ) );
+    output_.line( fmt::format( "{}  {}", timeOfDay(), output_.paint( Paint::Bad, what ) ) );
     output_.record( event( "refused", refusal.time ).set( "file", configuration_.path() ).set( "problems", problems ) );
 }
 
@@ -79,8 +78,8 @@ void RunLines::showState( const ObjectState &state )
 {
     output_.record( state.record( event( "status" ) ) );
     const std::string detail = state.detail();
-    output_.line( fmt::format( "{}  {:<{}}  {:<{}}  {}{}{}", timeOfDay(), state.name, nameWidth_, state.sort, sortWidth_,
-                               output_.paint( state.paint(), fmt::format( "{:<5}", state.state ) ),
+    output_.line( fmt::format( "{}  {:<{}}  {:<{}}  {}{}{}", timeOfDay(), state.name, nameWidth_, state.sort,
+                               sortWidth_, output_.paint( state.paint(), fmt::format( "{:<5}", state.state ) ),
                                detail.empty() ? "" : "  ", detail ) );
 }
 

@@ -5,7 +5,8 @@
 
 namespace inctl {
 
-RunLoop::RunLoop( const Parts &parts ) : parts_( parts ), watch_( parts.configuration, parts.waiter ), watchdog_( manager_, parts.waiter )
+RunLoop::RunLoop( const Parts &parts )
+    : parts_( parts ), watch_( parts.configuration, parts.waiter ), watchdog_( manager_, parts.waiter )
 {
     parts_.waiter.add( parts_.signals.descriptor() );
     if ( parts_.file.descriptor() >= 0 )

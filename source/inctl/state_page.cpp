@@ -112,8 +112,8 @@ std::vector<std::string> wrapped( const std::string &text, size_t columns )
 std::vector<PageLine> statesTable( const std::vector<ObjectState> &states, size_t width )
 {
     const Columns columns = measured( states, width );
-    std::vector<PageLine> lines;
-    lines.push_back( { row( columns, "OBJECT", "SORT", "STATE" ) + ( columns.detail ? "DETAIL" : "" ), Paint::Strong } );
+    const char *detail = columns.detail ? "DETAIL" : "";
+    std::vector<PageLine> lines = { { row( columns, "OBJECT", "SORT", "STATE" ) + detail, Paint::Strong } };
     for ( const ObjectState &state : states )
         addState( lines, columns, state, width );
     return lines;

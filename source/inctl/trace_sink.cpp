@@ -85,8 +85,8 @@ std::string traceText( const struct trEvent &event )
 
 void addTraceOptions( CLI::App &command, TraceChoice &choice )
 {
-    CLI::Option *trace =
-        command.add_flag( "--trace{-}", choice.target, "Trace to standard error, to the journal (FILE: journal), or to the end of a file" );
+    CLI::Option *trace = command.add_flag(
+        "--trace{-}", choice.target, "Trace to standard error, to the journal (FILE: journal), or to the end of a file" );
     trace->type_name( "FILE" );
     command.add_option( "--trace-format", choice.format, "text or json (an object a line)" )
         ->type_name( "FORM" )
@@ -166,7 +166,8 @@ std::string TraceSink::journalFields( const struct trEvent &event ) const
 {
     const TraceStreams::Stream &stream = streams_.of( event );
     const std::string name = pb::utf8( event.name );
-    const std::string message = json_ ? line( event ) : fmt::format( "{}#{}  {}", name, event.stream, traceText( event ) );
+    const std::string message =
+        json_ ? line( event ) : fmt::format( "{}#{}  {}", name, event.stream, traceText( event ) );
     const int priority = stream.notable ? LOG_WARNING : event.kind == TR_EVENT_MESSAGE ? LOG_DEBUG : LOG_INFO;
     JournalFields fields;
     fields.add( "MESSAGE", message )

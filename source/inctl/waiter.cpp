@@ -150,8 +150,8 @@ Waiter::Woken Waiter::wait( std::optional<Clock::time_point> deadline )
             refuse( "poll()" );
         if ( stopSignal )
             return Woken::Stop;
-        uint64_t count;
-        [[maybe_unused]] const ssize_t taken = read( wake_->descriptor.get(), &count, sizeof count ); // or there is none
+        uint64_t count; // or there is none
+        [[maybe_unused]] const ssize_t taken = read( wake_->descriptor.get(), &count, sizeof count );
         if ( ready > 0 )
             return Woken::Library;
         if ( deadline && Clock::now() >= *deadline )

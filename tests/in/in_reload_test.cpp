@@ -28,7 +28,8 @@ const std::string states[] = {
         "wire": {"sort": "IN_NW_STACK", "config": {"interfaceIdentifier": "none0"}}}})",
     std::string( R"({"objects": {"changed": {"sort": "IN_STACK", "config": {"interface": "lo", "address": "127.0.0.9"}},
         "replaced": {"sort": "CS_CONDITION"}, "new": {"sort": "IN_QOS_STACK"},
-        "wire": {"sort": "IN_NW_STACK", "config": {"interfaceIdentifier": "none1", "csConditionName": "replaced"}},)" ) +
+        "wire": {"sort": "IN_NW_STACK",
+                 "config": {"interfaceIdentifier": "none1", "csConditionName": "replaced"}},)" ) +
         kept + "}}",
     std::string( "{\"objects\": {" ) + kept + R"(, "changed": {"sort": "IN_STACK", "config": {"adress": 1}}}})" };
 

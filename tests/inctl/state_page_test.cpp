@@ -54,7 +54,8 @@ TEST( StatePageTest, ShowsWhatIsNotGoodAndTheRefusalFirst )
     EXPECT_THAT( texts( statePage( twoObjects, {}, "footer", 80, 5 ) ),
                  ElementsAre( "OBJECT  SORT         STATE  DETAIL", testing::StartsWith( "sip " ),
                               testing::StartsWith( "eth9 " ), "", "footer" ) );
-    const RunBoard::Refusal refusal{ "now", { "F:1:1: error: one\033[2J", "F:2:1: error: two", "F:3:1: error: three" } };
+    const RunBoard::Refusal refusal{ "now",
+                                     { "F:1:1: error: one\033[2J", "F:2:1: error: two", "F:3:1: error: three" } };
     EXPECT_THAT( texts( statePage( twoObjects, refusal, "footer", 80, 8 ) ),
                  ElementsAre( testing::StartsWith( "OBJECT" ), testing::StartsWith( "sip " ),
                               testing::StartsWith( "eth9 " ), "", "The new file was refused; what ran before goes on:",
