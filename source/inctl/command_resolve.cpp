@@ -2,6 +2,7 @@
 #include "inctl/command.hpp"
 #include "inctl/domain_name.hpp"
 #include "inctl/endpoint.hpp"
+#include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
 #include "inctl/items.hpp"
 #include "inctl/look_up.hpp"
@@ -162,7 +163,7 @@ void addResolve( CLI::App &root, Context &context )
         ->type_name( "FILE:OBJECT" );
     command->add_option( "--timeout", options->timeout, "Wait so long, not as long as the stack's options say" )
         ->type_name( "MS" )
-        ->check( CLI::Range( PB_INT_FROM( 0 ), PB_INT_FROM( 3600000 ) ) );
+        ->check( quiet( CLI::Range( PB_INT_FROM( 0 ), PB_INT_FROM( 3600000 ) ) ) );
     command->callback( [&context, options] {
         if ( options->name.empty() && options->address.empty() && options->service.empty() )
             throw CLI::RequiredError( "NAME, --ptr or --srv" );

@@ -166,7 +166,7 @@ void addTimeout( CLI::App &command, pbInt &milliseconds )
     command.add_option( "--timeout", milliseconds, "Wait so long for names that are looked up" )
         ->type_name( "MS" )
         ->capture_default_str()
-        ->check( CLI::Range( PB_INT_FROM( 0 ), PB_INT_FROM( 3600000 ) ) );
+        ->check( quiet( CLI::Range( PB_INT_FROM( 0 ), PB_INT_FROM( 3600000 ) ) ) );
 }
 
 CLI::App *addCommand( CLI::App &parent, Context &context, const std::string &name, const std::string &description,
