@@ -86,10 +86,11 @@ Screen::~Screen()
 
 void Screen::draw( const std::vector<std::string> &lines )
 {
+    // Cleared before it is written: behind a line that fills the width the cursor stands on its last character.
     std::string page = "\033[H";
     for ( size_t i = 0; i < lines.size(); ++i )
-        page.append( i == 0 ? "" : "\r\n" ).append( lines[i] ).append( "\033[K" );
-    output_.bytes( page + "\033[J" );
+        page.append( i == 0 ? "" : "\r\n" ).append( i + 1 < lines.size() ? "\033[K" : "\033[J" ).append( lines[i] );
+    output_.bytes( page );
 }
 
 void Screen::suspend()
