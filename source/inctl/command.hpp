@@ -46,6 +46,10 @@ void addResolve( CLI::App &root, Context &context );
 void addUdpSend( CLI::App &udp, Context &context );
 void addUdpReceive( CLI::App &udp, Context &context );
 void addRun( CLI::App &root, Context &context );
+void addStatus( CLI::App &root, Context &context );
+void addWatch( CLI::App &root, Context &context );
+void addTrace( CLI::App &root, Context &context );
+void addSet( CLI::App &root, Context &context );
 void addTour( CLI::App &root, Context &context );
 void addTourNames( CLI::App &root, Context &context ); // run by the tour, not shown
 void addCheck( CLI::App &root, Context &context );

@@ -1,4 +1,5 @@
 // inctl run: a configuration, live until a signal or the time ends it.
+#include "inctl/attach_server.hpp"
 #include "inctl/command.hpp"
 #include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
@@ -18,6 +19,7 @@ struct RunOptions {
     std::string file;
     std::optional<double> seconds;
     TraceChoice trace;
+    AttachChoice attach;
 };
 
 // Not where traces go to the same terminal, over the table.
@@ -46,6 +48,8 @@ Exit runFile( Output &output, const RunOptions &options )
     Configuration configuration( options.file );
     Waiter waiter;
     RunBoard board;
+    // First: a second host of the same name is to touch nothing.
+    const AttachServer attach( options.attach, configuration, board );
     const auto start = Waiter::Clock::now();
     configuration.start();
     const std::unique_ptr<RunView> view = makeView( table, output, configuration, board );
@@ -86,6 +90,7 @@ void addRun( CLI::App &root, Context &context )
         ->type_name( "SECONDS" )
         ->check( secondsProblem );
     addTraceOptions( *command, options->trace );
+    addAttachOptions( *command, options->attach );
     command->callback(
         [&context, options] { context.run = [&context, options] { return runFile( context.output, *options ); }; } );
 }

@@ -7,12 +7,14 @@
 
 #include <concepts>
 #include <string_view>
+#include <utility>
 
 namespace inctl {
 
 class Record {
 public:
     Record() : store_( pb::adopt( pbStoreCreate() ) ) {}
+    explicit Record( pb::Ref<struct pbStore> store ) : store_( std::move( store ) ) {}
 
     Record &set( std::string_view key, std::string_view text ) { return set( key, pb::string( text ) ); }
     Record &set( std::string_view key, const char *text ) { return set( key, std::string_view( text ) ); }

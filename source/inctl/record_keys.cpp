@@ -30,7 +30,23 @@ constexpr csKey interfaceEntry = store( "", interfaceKeys );
 
 constexpr csKey moduleKeys[] = { text( "name" ), text( "version" ), text( "description" ) };
 constexpr csKey moduleEntry = store( "", moduleKeys );
-constexpr csKey objectKeys[] = { text( "name" ), text( "sort" ), text( "interface" ) };
+constexpr csKey queryKeys[] = { text( "kind" ), text( "key" ), text( "state" ), array( "result", anyText ) };
+constexpr csKey queryEntry = store( "", queryKeys );
+constexpr csKey dnsKeys[] = { array( "queries", queryEntry ) };
+constexpr csKey stackKeys[] = { text( "address" ), text( "primaryInterface" ), array( "interfaces", anyText ),
+                                store( "dns", dnsKeys ) };
+constexpr csKey memberKeys[] = { text( "address" ), text( "name" ) };
+constexpr csKey memberEntry = store( "", memberKeys );
+constexpr csKey noteKeys[] = { text( "name" ), text( "text" ) };
+constexpr csKey noteEntry = store( "", noteKeys );
+constexpr csKey filterEntryKeys[] = { text( "host" ), array( "addresses", memberEntry ), array( "notes", noteEntry ) };
+constexpr csKey filterEntry = store( "", filterEntryKeys );
+constexpr csKey explanationKeys[] = { text( "address" ), text( "text" ), text( "stackAddress" ),
+                                      array( "entries", filterEntry ) };
+constexpr csKey refusedKeys[] = { text( "time" ), text( "file" ), array( "problems", anyText ) };
+constexpr csKey objectKeys[] = { text( "name" ),  text( "sort" ),   text( "interface" ),
+                                 text( "state" ), text( "reason" ), store( "stack", stackKeys ),
+                                 store( "filter", explanationKeys ) };
 constexpr csKey objectEntry = store( "", objectKeys );
 constexpr csKey traceKeys[] = { text( "name" ), text( "text" ) };
 constexpr csKey traceEntry = store( "", traceKeys );
@@ -42,14 +58,6 @@ constexpr csKey candidateKeys[] = { text( "address" ), text( "interface" ), arra
 constexpr csKey candidateEntry = store( "", candidateKeys );
 constexpr csKey choiceKeys[] = { array( "candidates", candidateEntry ), text( "address" ),
                                  array( "interfaces", anyText ), text( "primaryInterface" ) };
-constexpr csKey memberKeys[] = { text( "address" ), text( "name" ) };
-constexpr csKey memberEntry = store( "", memberKeys );
-constexpr csKey noteKeys[] = { text( "name" ), text( "text" ) };
-constexpr csKey noteEntry = store( "", noteKeys );
-constexpr csKey filterEntryKeys[] = { text( "host" ), array( "addresses", memberEntry ), array( "notes", noteEntry ) };
-constexpr csKey filterEntry = store( "", filterEntryKeys );
-constexpr csKey explanationKeys[] = { text( "address" ), text( "text" ), text( "stackAddress" ),
-                                      array( "entries", filterEntry ) };
 constexpr csKey checkKeys[] = { text( "name" ), text( "state" ), text( "detail" ), text( "remedy" ) };
 constexpr csKey checkEntry = store( "", checkKeys );
 
@@ -80,6 +88,11 @@ constexpr csKey recordKeys[] = {
     array( "dnsServers", anyText ),
     text( "file" ),
     text( "object" ),
+    text( "host" ),
+    text( "reason" ),
+    text( "condition" ),
+    store( "refused", refusedKeys ),
+    array( "problems", anyText ),
     array( "diagnoses", diagnosisEntry ),
     store( "choice", choiceKeys ),
     store( "explanation", explanationKeys ),

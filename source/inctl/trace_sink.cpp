@@ -37,7 +37,14 @@ std::string timeText( pbInt nanoseconds )
                         nanoseconds % 1'000'000'000 / 1000 );
 }
 
-std::string jsonLine( const struct trEvent &event, const std::string &object )
+} // namespace
+
+std::span<const char *const> traceKinds()
+{
+    return kindNames;
+}
+
+Record traceRecord( const struct trEvent &event, const std::string &object )
 {
     Record record;
     record.set( "time", timeText( event.time ) ).set( "event", kindNames[event.kind] ).set( "stream", event.stream );
@@ -55,10 +62,8 @@ std::string jsonLine( const struct trEvent &event, const std::string &object )
         record.set( "payload", hexadecimal( event.payload ) );
     if ( event.kind == TR_EVENT_LINKED )
         record.set( "kind", event.anchorKind ).set( "other", event.other );
-    return jsonText( record, CS_JSON_SHORT );
+    return record;
 }
-
-} // namespace
 
 std::string traceText( const struct trEvent &event )
 {
@@ -156,7 +161,7 @@ void TraceSink::listen( const struct trEvent *event, void *context )
 
 std::string TraceSink::line( const struct trEvent &event ) const
 {
-    return json_ ? jsonLine( event, streams_.of( event ).object )
+    return json_ ? jsonText( traceRecord( event, streams_.of( event ).object ), CS_JSON_SHORT )
                  : fmt::format( "{} {}#{}  {}", timeText( event.time ), pb::utf8( event.name ), event.stream,
                                 traceText( event ) );
 }

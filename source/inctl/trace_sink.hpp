@@ -3,11 +3,13 @@
 #ifndef INCTL_TRACE_SINK_HPP
 #define INCTL_TRACE_SINK_HPP
 
+#include "inctl/record.hpp"
 #include "inctl/trace_streams.hpp"
 
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <span>
 #include <string>
 
 struct trEvent;
@@ -59,6 +61,11 @@ private:
     bool journal_ = false;
     TraceStreams streams_; // of the listener, which runs one call at a time
 };
+
+// The event as an object; time is RFC 3339 (UTC, microseconds). object names the record whose stream it is, if any.
+Record traceRecord( const struct trEvent &event, const std::string &object );
+// Names of the kinds of events, by kind.
+std::span<const char *const> traceKinds();
 
 // The event as a line of text, without time and stream; for streams of events that a person reads.
 std::string traceText( const struct trEvent &event );

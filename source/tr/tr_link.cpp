@@ -41,9 +41,10 @@ void addLink( const struct trStream *from, const struct trStream *to, pbInt kind
         return link.from == from && link.to == to && link.kind == kind && link.annotation == annotation;
     };
     // The shorter side is looked through: one object may link to thousands, or thousands to one.
-    const bool known = start.out.size() <= end.in.size()
-                           ? std::any_of( start.out.begin(), start.out.end(), same )
-                           : std::any_of( end.in.begin(), end.in.end(), [&]( const Link *link ) { return same( *link ); } );
+    const bool known =
+        start.out.size() <= end.in.size()
+            ? std::any_of( start.out.begin(), start.out.end(), same )
+            : std::any_of( end.in.begin(), end.in.end(), [&]( const Link *link ) { return same( *link ); } );
     if ( known )
         return;
     Link &link = start.out.emplace_back( Link{ .from = from, .to = to, .kind = kind, .annotation = annotation } );

@@ -28,7 +28,7 @@ struct Standing {
 };
 
 class Collector {
-public:
+  public:
     // The streams may be about to go, but not past the monitor.
     std::vector<Standing> collect( const struct trStream *first, pbInt depth ) PB_EXCLUDES( tr::linksMonitor )
     {
@@ -46,7 +46,7 @@ public:
         return result;
     }
 
-private:
+  private:
     void reach( const struct trStream *stream )
     {
         if ( known_.insert( stream ).second )

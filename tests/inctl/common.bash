@@ -4,6 +4,7 @@
 setup() {
     : "${INCTL:?the program to test}" "${EXAMPLES:?the folder of examples}" "${MANUAL:?the folder of manual pages}"
     export NO_COLOR=1 LC_ALL=C.UTF-8
+    export RUNTIME_DIRECTORY="$BATS_TEST_TMPDIR/run" # hosts of other tests are not in the way
     started="" host="" listener="" inside=()
 }
 

@@ -1,0 +1,65 @@
+// Attachment: this process as a client of a host that runs on this machine. It never waits for a hung host for ever.
+#ifndef INCTL_ATTACHMENT_HPP
+#define INCTL_ATTACHMENT_HPP
+
+#include "inctl/record.hpp"
+#include "inctl/run_directory.hpp"
+#include "inctl/waiter.hpp"
+
+#include "pb/pb_fd.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <optional>
+#include <string>
+
+namespace inctl {
+
+struct HostChoice {
+    std::string host; // "": the only one there is; else its name, or with a "/" the path of its socket
+    pbInt timeout = 5000; // milliseconds
+};
+
+void addHostOptions( CLI::App &command, HostChoice &choice );
+
+class Attachment {
+  public:
+    // Throws Failure: no host runs (no), several do (usage), it lets nobody in (permission), or does not answer
+    // (system).
+    explicit Attachment( const HostChoice &choice );
+
+    const std::string &name() const { return place_.name; }
+
+    // The host's answer. Throws Failure: what the host says, or that it says nothing.
+    pb::Ref<struct pbStore> ask( const Record &request );
+    // Before the first next.
+    void addTo( Waiter &waiter ) const { waiter.add( connection_.get() ); }
+    // What the host tells next of what was subscribed to; null when it is time to stop. Signs of life are kept from the
+    // caller. Throws Failure when the host ends or is silent.
+    pb::Ref<struct pbStore> next( Waiter &waiter );
+
+  private:
+    using Clock = Waiter::Clock;
+
+    bool tryConnect( const HostPlace &place, Clock::time_point deadline );
+    void choose( std::vector<HostPlace> places, const std::string &directory, Clock::time_point deadline );
+    void greet( Clock::time_point deadline );
+    bool readMore(); // false: nothing is there yet
+    std::optional<pb::Ref<struct pbStore>> takeLine();
+    pb::Ref<struct pbStore> awaitLine( Clock::time_point deadline );
+    [[noreturn]] void failAsSilent() const;
+    [[noreturn]] void failAsEnded() const;
+
+    const Clock::duration patience_;
+    HostPlace place_;
+    pb::Fd connection_;
+    std::string input_;
+    size_t searched_ = 0; // of input_, for the end of a line
+};
+
+// What a record of the host holds under the key; "" where it has no text.
+std::string textIn( const struct pbStore *record, const char *key );
+
+} // namespace inctl
+
+#endif

@@ -1,0 +1,71 @@
+// inctl watch: the states of a running host's objects, and each change, until a signal.
+#include "inctl/attachment.hpp"
+#include "inctl/command.hpp"
+#include "inctl/status_text.hpp"
+
+#include <fmt/format.h>
+
+#include <memory>
+
+namespace inctl {
+namespace {
+
+struct WatchOptions {
+    std::string object; // "": all
+    HostChoice host;
+};
+
+std::string lineOf( const Output &output, const struct pbStore *event )
+{
+    const std::string kind = textIn( event, "event" ), name = textIn( event, "name" );
+    if ( kind == "status" )
+        return fmt::format( "{}  {}  {}  {}", name, textIn( event, "sort" ),
+                            stateText( output, textIn( event, "state" ) ), detailText( event ) );
+    if ( kind == "gone" )
+        return fmt::format( "{}  {}", name, output.paint( Paint::Bad, "gone" ) );
+    if ( kind == "reloaded" )
+        return "the file was loaded anew";
+    if ( kind != "refused" )
+        return kind;
+    std::string text = output.paint( Paint::Bad, "the file was refused; what ran before it runs on" );
+    const auto problems = pb::adopt( pbStoreStoreCstr( event, "problems", -1 ) );
+    for ( pbInt i = 0; problems && i < pbStoreArrayLength( problems.get() ); ++i )
+        text += "\n  " + pb::utf8( pb::adopt( pbStoreArrayValueAt( problems.get(), i ) ) );
+    return text;
+}
+
+Exit watch( Output &output, const WatchOptions &options )
+{
+    Attachment host( options.host );
+    Waiter waiter;
+    host.addTo( waiter );
+    Record request = Record().set( "request", "watch" );
+    if ( !options.object.empty() )
+        request.set( "object", options.object );
+    (void)host.ask( request ); // an answer, or it throws
+    while ( !output.broken() ) {
+        const auto event = host.next( waiter );
+        if ( !event )
+            break;
+        output.record( Record( event ) );
+        output.line( fmt::format( "{}  {}", timeOfDay(), lineOf( output, event.get() ) ) );
+    }
+    return Exit::Yes;
+}
+
+} // namespace
+
+void addWatch( CLI::App &root, Context &context )
+{
+    CLI::App *command =
+        addCommand( root, context, "watch", "Show the states of a running host's objects, and each change until Ctrl-C",
+                    "  inctl watch               all objects\n"
+                    "  inctl watch sip --json    one, an object a line\n" );
+    auto options = std::make_shared<WatchOptions>();
+    command->add_option( "OBJECT", options->object, "Only this object" );
+    addHostOptions( *command, options->host );
+    command->callback(
+        [&context, options] { context.run = [&context, options] { return watch( context.output, *options ); }; } );
+}
+
+} // namespace inctl

@@ -1,0 +1,137 @@
+#!/usr/bin/env bats
+# Attaching to a running host: status, watch, trace and set, and what they say when there is none, or one that hangs.
+
+load common
+
+# host NAME: runs a host beside the test.
+host() {
+    file="$BATS_TEST_TMPDIR/$1.json"
+    printf '{"objects": {"loop": {"sort": "IN_STACK", "config": {"interface": "lo"}}, "active": {"sort": "CS_CONDITION"}}}' >"$file"
+    start run "$file"
+    await 'loop +IN_STACK'
+}
+
+# follow ARGUMENTS...: runs a client beside the test, its output in $seen.
+follow() {
+    seen=$(mktemp "$BATS_TEST_TMPDIR/seen.XXXXXX")
+    "$INCTL" "$@" >>"$seen" 2>&1 3>&- &
+    follower=$!
+}
+
+# sees PATTERN: returns when the client has printed it.
+sees() {
+    grep -Eqm1 -- "$1" <(timeout 60 tail -s 0.02 --pid="$follower" -n +1 -f "$seen" 2>/dev/null) || { cat "$seen"; return 1; }
+}
+
+# leave CODE: ends the client that still runs, and looks at its exit code.
+leave() {
+    local got=0
+    kill -INT "$follower" 2>/dev/null || true
+    wait "$follower" || got=$?
+    [ "$got" -eq "$1" ] || { echo "exit code $got"; cat "$seen"; return 1; }
+}
+
+@test "status, set and watch of a running host" {
+    expect 1 "no host runs \(looked in $RUNTIME_DIRECTORY\)" status
+    host sip
+    expect 0 'loop +IN_STACK +up +inStackAddress=' status
+    expect_json 0 '.[0].objects | map(.state) == ["up", "false"]' status --json
+    expect 0 'primary interface  lo' status loop
+    expect_json 0 '.[0].objects[0] | .config.interface == "lo" and .stack.interfaces == ["lo"] and .stack.dns.queries == []' status --json loop
+    expect_json 1 '.[0].error | test("no object lop; did you mean loop")' status --json lop --host sip
+    expect 1 'no host named six runs; did you mean sip' status --host six
+    expect 0 'active is true in sip' set active true
+    expect_json 0 '.[0] == {"answer": "set", "condition": "active", "state": "false"}' set --json active false --host "$RUNTIME_DIRECTORY/sip.sock"
+    expect 1 'is of the sort IN_STACK, not a condition' set loop true
+    expect 1 'did you mean active' set activ true
+    expect 2 'VALUE' set active maybe
+
+    follow watch --json
+    sees '"event": "status".*"state": "up", "name": "loop"|"state": "up", "name": "loop".*"event": "status"'
+    expect 0 'is true' set active true
+    sees '"state": "true", "name": "active"'
+    jq -e . "$seen"
+    cp "$file" "$file.good"
+    echo '{' >"$file"
+    sees '"problems": \["[^"]*sip.json:[0-9]+:[0-9]+: error'
+    expect 0 'The file was refused at' status
+    expect 0 'is false' set active false
+    sees '"state": "false", "name": "active".*'
+    expect_json 0 '.[0].refused.problems | length == 1' status --json
+    cp "$file.good" "$file"
+    sees '"event": "accepted"'
+    leave 0
+    follow watch active
+    sees 'active  CS_CONDITION  false'
+    finish TERM 0
+    sees 'the host sip has ended'
+    leave 1
+    [ -z "$(ls "$RUNTIME_DIRECTORY")" ]
+}
+
+@test "trace follows an object, and with --tree what it works with" {
+    host sip
+    follow trace loop --tree
+    sees '^[0-9T:.-]+Z loop IN_STACK#[0-9]+  created'
+    sees 'IN_NW_INTERFACE#.*"displayName": "lo"'
+    leave 0
+    follow trace --json
+    # It does not say when it begins to listen.
+    until grep -q '"csValue"' "$seen"; do
+        "$INCTL" set active true >/dev/null
+        "$INCTL" set active false >/dev/null
+    done
+    grep -m1 '"csValue"' "$seen" | jq -e '.object == "active" and .event == "property"'
+    leave 0
+    expect 2 'OBJECT' trace --tree
+    expect 1 'has no object lop' trace lop
+}
+
+@test "one host of a name, several by name, and the dead make room" {
+    host sip
+    expect 5 "a host named sip runs already \(process $started\); --name gives this one another name" run "$file" --for 0
+    expect 0 ending run "$file" --for 0 --name other
+    expect 0 ending run "$file" --for 0 --no-socket
+    first=$started
+    host edge
+    expect 2 'several hosts run: edge, sip; say which with --host' status
+    expect 0 'edge.json' status --host edge
+    kill -KILL "$first"
+    wait "$first" || true
+    expect 0 'edge.json' status
+    finish TERM 0
+    expect 1 'no host named sip runs' status --host sip
+    host sip
+    finish KILL 137
+    expect 1 'no host runs' status
+    host sip
+    expect 0 'sip.json' status
+}
+
+@test "a host that hangs is left after a while, and strangers are sent away" {
+    host sip
+    kill -STOP "$started"
+    expect 5 'the host sip does not answer: it hangs or is stopped' status --timeout 300
+    # As many wait as the system lets.
+    run python3 - "$INCTL" "$RUNTIME_DIRECTORY/sip.sock" <<'END'
+import socket, subprocess, sys
+waiting = [ socket.socket( socket.AF_UNIX ) for i in range( 200 ) ]
+for peer in waiting:
+    peer.setblocking( False )
+refused = sum( peer.connect_ex( sys.argv[2] ) != 0 for peer in waiting )
+assert refused > 0
+sys.exit( subprocess.run( [ sys.argv[1], "status", "--timeout", "300" ] ).returncode )
+END
+    [ "$status" -eq 5 ]
+    grep -q 'does not answer' <<<"$output"
+    kill -CONT "$started"
+    expect 0 'loop' status
+    if [ "$(id -u)" -eq 0 ]; then
+        chmod 755 "$RUNTIME_DIRECTORY" "$BATS_TEST_TMPDIR" "$BATS_RUN_TMPDIR"
+        run setpriv --reuid=65534 --regid=65534 --clear-groups "$INCTL" status --host "$RUNTIME_DIRECTORY/sip.sock"
+        [ "$status" -eq 4 ]
+        grep -q 'not permitted to attach to' <<<"$output"
+    fi
+    mkdir "$BATS_TEST_TMPDIR/open" && chmod 777 "$BATS_TEST_TMPDIR/open"
+    RUNTIME_DIRECTORY="$BATS_TEST_TMPDIR/open" expect 5 'is open to others \(mode 0777, not 0700\)' run "$file" --for 0
+}
