@@ -12,12 +12,14 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <sys/un.h>
 
 namespace {
 
-constexpr int rounds = 3, batches = 4000, batch = 16;
+constexpr int rounds = 3, batches = 12000, batch = 16;
 constexpr int silent = 50, clients = 200;
 
 // The child: abuses the host's socket between a 'g' and an 's' of its parent, and confirms each.
@@ -103,8 +105,23 @@ class Abusers {
 
 struct Cost {
     double medianNanoseconds, processorNanoseconds;
+    double attachShare; // of one processor that the thread for clients took
     int lost;
 };
+
+// On processors so far, of the thread for clients.
+double attachSeconds()
+{
+    double seconds = 0;
+    for ( const auto &task : std::filesystem::directory_iterator( "/proc/self/task" ) ) {
+        std::string name;
+        double nanoseconds = 0;
+        std::ifstream( task.path() / "comm" ) >> name;
+        if ( name == "inctl-attach" && std::ifstream( task.path() / "schedstat" ) >> nanoseconds )
+            seconds += nanoseconds / 1e9;
+    }
+    return seconds;
+}
 
 // Batches from one channel to the other.
 class Path {
@@ -121,7 +138,8 @@ class Path {
     {
         std::vector<double> times;
         int lost = 0;
-        const double processor = bench::seconds( CLOCK_PROCESS_CPUTIME_ID );
+        const double processor = bench::seconds( CLOCK_PROCESS_CPUTIME_ID ), attach = attachSeconds();
+        const double begin = bench::seconds( CLOCK_MONOTONIC );
         for ( int i = 0; i < batches; ++i ) {
             const double start = bench::seconds( CLOCK_MONOTONIC );
             lost += exchange();
@@ -129,7 +147,8 @@ class Path {
         }
         const double used = bench::seconds( CLOCK_PROCESS_CPUTIME_ID ) - processor;
         std::nth_element( times.begin(), times.begin() + batches / 2, times.end() );
-        return { times[batches / 2] * 1e9, used * 1e9 / ( batches * batch ), lost };
+        const double share = ( attachSeconds() - attach ) / ( bench::seconds( CLOCK_MONOTONIC ) - begin );
+        return { times[batches / 2] * 1e9, used * 1e9 / ( batches * batch ), share, lost };
     }
 
   private:
@@ -175,15 +194,16 @@ int main()
         const inctl::AttachServer server( { .name = "bench" }, configuration, board );
         Path path;
         path.measure(); // warm
-        std::printf( "%-8s %10s %14s %14s %6s\n", "round", "clients", "median ns", "processor ns", "lost" );
+        std::printf( "%-8s %10s %14s %14s %14s %6s\n", "round", "clients", "median ns", "processor ns", "attach share",
+                     "lost" );
         for ( int round = 1; round <= rounds; ++round )
             for ( const int count : { 0, clients } ) {
                 abusers.order( count > 0 ? 'g' : 's' );
                 const Cost cost = path.measure();
                 abusers.order( 's' );
                 lost += cost.lost;
-                std::printf( "%-8d %10d %14.0f %14.0f %6d\n", round, count, cost.medianNanoseconds,
-                             cost.processorNanoseconds, cost.lost );
+                std::printf( "%-8d %10d %14.0f %14.0f %14.2f %6d\n", round, count, cost.medianNanoseconds,
+                             cost.processorNanoseconds, cost.attachShare, cost.lost );
             }
     }
     rmdir( directory );

@@ -21,6 +21,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <list>
 #include <poll.h>
 #include <pthread.h>
@@ -84,19 +85,30 @@ bool isAllowed( int connection )
            ( peer.uid == geteuid() || peer.uid == 0 );
 }
 
-// Time that is used up and comes back.
+// Processor time that the calling thread uses up and that comes back.
 class TimeShare {
   public:
     bool isLeft( Clock::time_point now )
     {
+        const Clock::duration processor = processorTime();
+        used_ += processor - lastProcessor_;
+        lastProcessor_ = processor;
         used_ = std::max( used_ - ( now - last_ ) / shareOfTime, Clock::duration::zero() );
         last_ = now;
         return used_ < timeAtOnce;
     }
+    // As if so much had been used beside it.
     void use( Clock::duration time ) { used_ += time; }
 
   private:
-    Clock::duration used_{};
+    static Clock::duration processorTime()
+    {
+        timespec time{};
+        (void)clock_gettime( CLOCK_THREAD_CPUTIME_ID, &time ); // fails for unknown clocks only
+        return std::chrono::seconds( time.tv_sec ) + std::chrono::nanoseconds( time.tv_nsec );
+    }
+
+    Clock::duration used_{}, lastProcessor_{};
     Clock::time_point last_ = Clock::now();
 };
 
@@ -188,7 +200,6 @@ void AttachServer::Thread::run()
             accept( now );
         if ( mayWork )
             serve( now );
-        time_.use( Clock::now() - now );
     }
     sayGoodbye();
 }
