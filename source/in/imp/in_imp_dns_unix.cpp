@@ -10,11 +10,13 @@
 #include "pr/pr_process.h"
 
 #include <deque>
+#include <optional>
 #include <unordered_map>
 #include <variant>
 
 PB_SORT_DECLARE( in___sort_IN___IMP_DNS_WORK_ITEM )
 PB_SORT_DECLARE( in___sort_IN___IMP_DNS_QUEUE )
+PB_SORT_DECLARE( in___sort_IN___IMP_DNS_LOOK_UP_MONITOR )
 
 namespace {
 
@@ -26,16 +28,6 @@ using Addresses = pb::Ref<struct in___DnsQueryAddressesImp>;
 using DomainNames = pb::Ref<struct in___DnsQueryDomainNamesImp>;
 using Srv = pb::Ref<struct in___DnsQuerySrvImp>;
 using Query = std::variant<Addresses, DomainNames, Srv>;
-
-void lookUp( const Query &query )
-{
-    if ( const auto *addresses = std::get_if<Addresses>( &query ) )
-        in___ImpDnsDoQueryAddresses( addresses->get() );
-    else if ( const auto *domainNames = std::get_if<DomainNames>( &query ) )
-        in___ImpDnsDoQueryDomainNames( domainNames->get() );
-    else
-        in___ImpDnsDoQuerySrv( std::get<Srv>( query ).get() );
-}
 
 in::dns::QueryState &stateOf( const Query &query )
 {
@@ -52,8 +44,13 @@ void giveUp( const Query &query )
 struct in___ImpDnsWorkItem;
 using Item = pb::Ref<in___ImpDnsWorkItem>;
 
-// The items that no thread has taken up. The resolver behind res_send takes one question at a time, so service queries
-// take turns: each is scheduled when the one before is done, and no thread is kept waiting for its turn.
+// Held during a look-up, its completion included: over system calls that block, on purpose.
+struct LookUpMonitor final : pb::Object<LookUpMonitor, in___sort_IN___IMP_DNS_LOOK_UP_MONITOR> {
+    pb::Monitor monitor{ 55 };
+};
+
+// The items that no thread has taken up. Service queries hold a monitor, so they take turns: each is scheduled when the
+// one before is done, and no thread is kept waiting for that monitor.
 struct Queue final : pb::Object<Queue, in___sort_IN___IMP_DNS_QUEUE> {
     void submit( Item item );
     // On a thread of the domain.
@@ -73,6 +70,15 @@ struct Queue final : pb::Object<Queue, in___sort_IN___IMP_DNS_QUEUE> {
 
 constinit pb::Global<struct prDomain> in___ImpDnsPrDomain;
 constinit pb::Global<Queue> in___ImpDnsQueue;
+// The classic resolver takes one question at a time: nothing comes between a res_mkquery and its res_send.
+constinit pb::Global<LookUpMonitor> in___ImpDnsResQueryMonitor;
+// Absent: getaddrinfo and getnameinfo run beside each other (POSIX wants them thread-safe).
+constinit pb::Global<LookUpMonitor> in___ImpDnsGetaddrinfoMonitor;
+
+LookUpMonitor *monitorFor( const Query &query )
+{
+    return ( std::holds_alternative<Srv>( query ) ? in___ImpDnsResQueryMonitor : in___ImpDnsGetaddrinfoMonitor ).get();
+}
 
 void in___ImpDnsWorkItemProcessFunc( struct pbObj *argument );
 
@@ -80,6 +86,7 @@ void in___ImpDnsWorkItemProcessFunc( struct pbObj *argument );
 struct in___ImpDnsWorkItem final : pb::Object<in___ImpDnsWorkItem, in___sort_IN___IMP_DNS_WORK_ITEM> {
     const Query query;
     const pb::Ref<Queue> queue = pb::share( in___ImpDnsQueue.get() );
+    const pb::Ref<LookUpMonitor> monitor = pb::share( monitorFor( query ) ); // or null
     const pb::Ref<struct prProcess> process; // which holds the item until it is halted
 
     explicit in___ImpDnsWorkItem( Query asked )
@@ -99,6 +106,19 @@ void in___ImpDnsWorkItemCreate( Query query )
     PB_ASSERT_TEXT( in___ImpDnsPrDomain.get(), "in___ImpDnsPrDomain" );
     const auto item = pb::make<in___ImpDnsWorkItem>( std::move( query ) );
     item->queue->submit( item );
+}
+
+void lookUp( const in___ImpDnsWorkItem &item )
+{
+    std::optional<pb::Guard> guard;
+    if ( item.monitor )
+        guard.emplace( item.monitor->monitor );
+    if ( const auto *addresses = std::get_if<Addresses>( &item.query ) )
+        in___ImpDnsDoQueryAddresses( addresses->get() );
+    else if ( const auto *domainNames = std::get_if<DomainNames>( &item.query ) )
+        in___ImpDnsDoQueryDomainNames( domainNames->get() );
+    else
+        in___ImpDnsDoQuerySrv( std::get<Srv>( item.query ).get() );
 }
 
 void in___ImpDnsWorkItemProcessFunc( struct pbObj *argument )
@@ -139,7 +159,7 @@ void Queue::run( in___ImpDnsWorkItem &item )
     }
     // Time-outs and changes of the stack leave queries behind that would keep the threads from those that follow.
     if ( !stateOf( item.query ).tryGiveUp() )
-        lookUp( item.query );
+        lookUp( item );
     if ( item.isSrv() )
         passSrvTurn();
 }
@@ -180,6 +200,8 @@ void Queue::close()
 constinit const struct pbSort in___sort_IN___IMP_DNS_WORK_ITEM =
     pb::detail::makeSort<in___ImpDnsWorkItem>( "IN___IMP_DNS_WORK_ITEM" );
 constinit const struct pbSort in___sort_IN___IMP_DNS_QUEUE = pb::detail::makeSort<Queue>( "IN___IMP_DNS_QUEUE" );
+constinit const struct pbSort in___sort_IN___IMP_DNS_LOOK_UP_MONITOR =
+    pb::detail::makeSort<LookUpMonitor>( "IN___IMP_DNS_LOOK_UP_MONITOR" );
 
 void in___ImpDnsStartup( void )
 {
@@ -187,6 +209,7 @@ void in___ImpDnsStartup( void )
     PB_ASSERT_TEXT( domain, "in___ImpDnsPrDomain" );
     in___ImpDnsPrDomain.set( std::move( domain ) );
     in___ImpDnsQueue.set( pb::make<Queue>() );
+    in___ImpDnsResQueryMonitor.set( pb::make<LookUpMonitor>() );
 }
 
 void in___ImpDnsShutdown( void )
@@ -194,6 +217,8 @@ void in___ImpDnsShutdown( void )
     in___ImpDnsQueue.get()->close();
     in___ImpDnsPrDomain.invalidate(); // waits for the look-ups that run
     in___ImpDnsQueue.invalidate();
+    in___ImpDnsResQueryMonitor.invalidate();
+    in___ImpDnsGetaddrinfoMonitor.invalidate();
 }
 
 void in___ImpDnsQueryAddresses( struct in___DnsQueryAddressesImp *query )

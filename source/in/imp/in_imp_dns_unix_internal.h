@@ -13,7 +13,7 @@ struct pbVector;
 void in___ImpDnsDoQueryAddresses( struct in___DnsQueryAddressesImp *query );
 // getnameinfo
 void in___ImpDnsDoQueryDomainNames( struct in___DnsQueryDomainNamesImp *query );
-// res_mkquery and res_send. One at a time.
+// res_mkquery and res_send. One at a time: the caller holds the resolver's monitor.
 void in___ImpDnsDoQuerySrv( struct in___DnsQuerySrvImp *query );
 
 // The SRV data of the answer section, whoever owns it: each of several equal records once, in the order in which the
