@@ -17,6 +17,7 @@
 
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace in {
@@ -116,15 +117,15 @@ template <class Kind> class DnsQueries {
     // given up is forgotten.
     void collectEnded( pbInt now, const struct inDnsOptions *options, DnsDropped &dropped )
     {
-        std::erase_if( running_, [&]( Imp &imp ) {
+        auto kept = running_.begin();
+        for ( Imp &imp : running_ )
             if ( !Kind::end( imp.get() ) )
-                return false;
-            if ( dns::stateOf( imp.get() ).givenUp() )
+                std::swap( *kept++, imp );
+            else if ( dns::stateOf( imp.get() ).givenUp() )
                 forget( imp, dropped );
             else
                 known_.emplace( pbIntAddSaturating( now, timeout( imp, options ) ), std::move( imp ) );
-            return true;
-        } );
+        running_.erase( kept, running_.end() );
     }
 
     // Forgets what expires at or before now, so that the next who asks starts a new query.
