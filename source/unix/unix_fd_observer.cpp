@@ -172,9 +172,8 @@ bool unixFdObserver::remove( int fd )
     if ( !isRegistered( fd ) )
         return true;
     entries_[fd] = {};
-    // The latter three: closed before, which removed it; EPERM when the number is a plain file's by now, EINVAL when it is
-    // another observer's.
-    if ( control( EPOLL_CTL_DEL, fd, {} ) || errno == ENOENT || errno == EBADF || errno == EPERM || errno == EINVAL )
+    // The errors: closed before, which removed it. EPERM when the number is a plain file's by now.
+    if ( control( EPOLL_CTL_DEL, fd, {} ) || errno == ENOENT || errno == EBADF || errno == EPERM )
         return true;
     broken_.store( true, std::memory_order_relaxed );
     return false;
