@@ -25,6 +25,13 @@ std::string counted( size_t count, const std::string &one, const std::string &ma
     return fmt::format( "{} {}", count, count == 1 ? one : many );
 }
 
+pb::String failureOf( const LookUp &lookUp )
+{
+    if ( !lookUp.interruptedBy )
+        return pb::adopt( inDnsQueryFailureToString( lookUp.failure ) );
+    return pb::string( *lookUp.interruptedBy == Waiter::Woken::Time ? "timeout" : "interrupted" );
+}
+
 class Resolution {
   public:
     Resolution( Output &output, const ResolveOptions &options )
@@ -99,9 +106,7 @@ class Resolution {
     {
         if ( lookUp.found )
             return;
-        record_
-            .set( "failure", lookUp.interruptedBy ? pb::string( "timeout" )
-                                                  : pb::adopt( inDnsQueryFailureToString( lookUp.failure ) ) )
+        record_.set( "failure", failureOf( lookUp ) )
             .set( "milliseconds", static_cast<pbInt>( lookUp.milliseconds ) );
         output_.record( record_ );
         throw Failure{ Exit::No, sentence( lookUp, subject, what, disabledBy, timeout_ ) };
