@@ -62,7 +62,8 @@ private:
     static constexpr uint8_t fullCredit = 8;        // looks that may fail
     static constexpr uint8_t firstProbeShift = 6, robbedProbeShift = 10, lastProbeShift = 12;
 
-    // Threads that wait at once may lose each other's changes: all of it is a guess.
+    // Threads that wait at once may lose each other's changes: all of it is a guess, and orders nothing; open() has to
+    // acquire. It changes as a whole, so that waits never passes the number that makes a look due.
     struct State {
         uint8_t credit = 0;
         uint8_t probeShift = firstProbeShift; // without credit a look is taken every 2^probeShift waits
