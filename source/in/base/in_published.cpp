@@ -12,7 +12,8 @@ namespace in {
 namespace {
 
 // All marks there ever were. A mark that its thread has left is taken by a later thread; none is freed, so that the list
-// can be walked at any time.
+// can be walked at any time. After fork(2) marks of threads that the child has not may stay as they are: it has no thread
+// either that replaces anything.
 constinit std::atomic<ReadMark *> marks{ nullptr };
 
 bool membarrier( int command )
@@ -69,13 +70,16 @@ void ReadMark::prepare()
     } );
 }
 
-bool ReadMark::tryWaitUntilUnread( const void *object )
+bool ReadMark::tryWaitUntilUnread( const void *object, bool readersFence )
 {
     using namespace std::chrono_literals;
     std::atomic_thread_fence( std::memory_order_seq_cst );
-    // A system call filter that came later may forbid it.
-    if ( othersFence.load( std::memory_order_relaxed ) && !membarrier( MEMBARRIER_CMD_PRIVATE_EXPEDITED ) )
+    if ( !readersFence && !membarrier( MEMBARRIER_CMD_PRIVATE_EXPEDITED ) ) {
+        // A system call filter that came later forbids it. What is published from now on has readers that fence; what was
+        // before is kept for good: of each Published two objects at most, this one and the one in its place.
+        othersFence.store( false, std::memory_order_relaxed );
         return false;
+    }
     for ( ReadMark *mark = marks.load( std::memory_order_seq_cst ); mark; mark = mark->next )
         for ( int tries = 0; mark->object.load( std::memory_order_acquire ) == object; ++tries )
             if ( tries >= 100 ) // the reader was interrupted, perhaps by this thread: yielding might not let it go on
