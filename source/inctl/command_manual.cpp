@@ -109,6 +109,9 @@ void writeKeys( std::string &text, std::span<const csKey> keys, const std::strin
             text += sentence( fmt::format( "The record must be of the sort {}", key.recordSort ) );
         if ( isStore )
             writeKeys( text, { key.keys, static_cast<size_t>( key.keyCount ) }, name + "." );
+        // The entries of an array have no key of their own.
+        else if ( key.kind == CS_KEY_ARRAY && key.keys && key.keys[0].kind == CS_KEY_STORE )
+            writeKeys( text, { key.keys[0].keys, static_cast<size_t>( key.keys[0].keyCount ) }, name + "." );
     }
 }
 
