@@ -200,9 +200,11 @@ pb::Ref<struct inOptions> refusingOptions( pbInt version = IN_ADDRESS_VERSION_4,
     return options;
 }
 
-Imp ask( const Stack &stack )
+// Links the asker's stream, if there is one, to that of the query.
+Imp ask( const Stack &stack, struct trStream *optionalAsker = nullptr )
 {
-    return pb::adopt( in___StackDnsQueryAddresses( stack.get(), name.get(), nullptr ) );
+    const auto anchor = pb::adopt( optionalAsker ? trAnchorCreate( optionalAsker, TR_ANCHOR_KIND_PLAIN ) : nullptr );
+    return pb::adopt( in___StackDnsQueryAddresses( stack.get(), name.get(), anchor.get() ) );
 }
 
 TEST( StackDns, SharesQueriesUntilTheyExpireOrAreFlushed )
@@ -210,11 +212,16 @@ TEST( StackDns, SharesQueriesUntilTheyExpireOrAreFlushed )
     support::DrivenClock clock;
     const Stack stack = pb::adopt( inStackCreate( refusingOptions().get(), nullptr ) );
     support::TraceCatcher catcher;
-    const Imp first = ask( stack );
+    const auto asker = pb::adopt( trStreamCreateCstr( "first asker", -1 ) );
+    const auto another = pb::adopt( trStreamCreateCstr( "another", -1 ) );
+    const Imp first = ask( stack, asker.get() );
     EXPECT_TRUE( in___DnsQueryAddressesImpError( first.get() ) );
     clock.advance( 0 );
     clock.advance( 999 );
-    EXPECT_TRUE( ask( stack ).is( first ) );
+    EXPECT_TRUE( ask( stack, another.get() ).is( first ) );
+    using Link = support::TraceCatcher::Link;
+    for ( const char *from : { "first asker", "another" } )
+        EXPECT_THAT( catcher.links(), testing::Contains( Link{ from, "IN___DNS_QUERY_ADDRESSES_IMP", 0, "" } ) );
     EXPECT_EQ( pb::utf8( pb::adopt( csJsonFromStore( pb::adopt( inStackDnsQueriesStore( stack.get(), 5 ) ).get(),
                                                      CS_JSON_SHORT ) ) ),
                R"({"length": 1, "queries": [{"kind": "addresses", "key": "host.example", "state": "failed", "remaining": 1}]})" );
