@@ -138,7 +138,8 @@ std::shared_ptr<spdlog::sinks::sink> TraceSink::makeSink( const std::string &tar
     journal_ = target == "journal";
     if ( journal_ )
         return std::make_shared<TraceJournal>();
-    file_ = std::make_shared<TraceFile>( target, [this] { return thread_->queue_size() == 0; } );
+    // Asked on the pool's own thread, at the latest while the pool ends and thread_ no longer leads to it.
+    file_ = std::make_shared<TraceFile>( target, [pool = thread_.get()] { return pool->queue_size() == 0; } );
     return file_;
 }
 
