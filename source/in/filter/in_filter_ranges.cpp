@@ -55,6 +55,15 @@ FilterRanges<Uint128>::FilterRanges( std::vector<FilterRange<Uint128>> ranges )
         parts_.push_back( { .insideBefore = turns.zeroInside } ); // no key is above its first turn
 }
 
+// A part yet without its number, unless the turns are one, or the two of a network.
+Uint128 FilterRanges<Uint128>::closerOf( const Uint128 *turns, size_t count )
+{
+    const Uint128 size = count == 2 ? turns[1] - turns[0] : 0;
+    const bool isNetwork = count == 2 && ( size & ( size - 1 ) ) == 0;
+    const unsigned span = count == 1 ? noSpan : isNetwork ? 127 - leadingZeros( size ) : partSpan;
+    return Uint128( span ) << spanShift | ( span == partSpan ? 0 : turns[0] & belowSpan );
+}
+
 size_t FilterRanges<Uint128>::addPart( const Uint128 *turns, size_t count, bool insideBefore )
 {
     const size_t number = parts_.size();
@@ -71,9 +80,9 @@ size_t FilterRanges<Uint128>::addPart( const Uint128 *turns, size_t count, bool 
     const uint32_t bitsBelow = part.skippedBits < 96 ? 96 - part.skippedBits : 0;
     const Uint128 windowEnd = ( Uint128( 1 ) << bitsBelow ) - 1;
     std::vector<uint32_t> windows;
-    struct Crowd { // the turns of a cell that has more than two
+    struct Crowd { // the turns of a cell that becomes a part
         const Uint128 *turns;
-        size_t count, pair;
+        size_t count, closer;
         bool insideBefore;
     };
     std::vector<Crowd> crowds;
@@ -84,21 +93,23 @@ size_t FilterRanges<Uint128>::addPart( const Uint128 *turns, size_t count, bool 
             ++end;
         const size_t bit = windows.size() % 64;
         if ( bit == 0 )
-            cells_.push_back( { 0, 0, static_cast<uint32_t>( pairs_.size() ) } );
+            cells_.push_back( { 0, 0, static_cast<uint32_t>( closer_.size() ) } );
         windows.push_back( window );
         cells_.back().insideBefore |= uint64_t{ inside } << bit;
-        if ( end - i > 2 )
-            crowds.push_back( { turns + i, end - i, pairs_.size(), inside } );
         if ( end - i > 1 || ( turns[i] & windowEnd ) != windowEnd ) {
             cells_.back().looksCloser |= uint64_t{ 1 } << bit;
-            pairs_.push_back( { turns[i], end - i > 1 ? turns[i + 1] : greatest<Uint128> } );
+            closer_.push_back( closerOf( turns + i, end - i ) );
+            if ( closer_.back() >> spanShift == partSpan )
+                crowds.push_back( { turns + i, end - i, closer_.size() - 1, inside } );
         }
         inside ^= ( end - i ) & 1;
     }
     part.tree = trees_.add( windows );
     parts_[number] = part;
-    for ( const Crowd &crowd : crowds )
-        pairs_[crowd.pair] = { greatest<Uint128>, addPart( crowd.turns, crowd.count, crowd.insideBefore ) };
+    for ( const Crowd &crowd : crowds ) {
+        const size_t ofCrowd = addPart( crowd.turns, crowd.count, crowd.insideBefore );
+        closer_[crowd.closer] |= ofCrowd;
+    }
     return number;
 }
 

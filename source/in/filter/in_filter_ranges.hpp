@@ -40,8 +40,8 @@ private:
 };
 
 // Of 128 bits only a window of 32 is searched, which begins where the turns first differ; it tells nearly all of them
-// apart. The few turns that agree in it, in most cases the two of a range that is small, are compared whole, or searched
-// in a window of their own if there are more than two: at most four windows in all.
+// apart. The few turns that agree in it, in most cases the two of a network or of a host, are compared in what follows
+// the window, or else searched in a window of their own: at most four windows in all.
 template <> class FilterRanges<Uint128> {
 public:
     FilterRanges() : FilterRanges( std::vector<FilterRange<Uint128>>() ) {}
@@ -56,18 +56,22 @@ public:
             if ( key > part.last )
                 return part.insideAfter;
             const uint32_t window = part.window( key );
-            const size_t rank = trees_.rank( part.tree, window );
+            // Both come from memory at the same time.
+            const size_t rank = trees_.rank( part.tree, window, [&]( size_t near ) {
+                __builtin_prefetch( &cells_[part.firstCells + near / 64] );
+            } );
             const Cells &cells = cells_[part.firstCells + rank / 64];
             const bool inside = cells.insideBefore >> ( rank % 64 ) & 1;
             if ( !trees_.isKey( part.tree, rank, window ) || !( cells.looksCloser >> ( rank % 64 ) & 1 ) )
                 return inside;
             const uint64_t closerBefore = cells.looksCloser & ( ( uint64_t{ 1 } << ( rank % 64 ) ) - 1 );
-            const Pair &pair = pairs_[cells.firstPair + static_cast<size_t>( __builtin_popcountll( closerBefore ) )];
-            if ( pair.isPart() ) {
-                at = static_cast<size_t>( pair.second );
-                continue;
-            }
-            return inside ^ ( key > pair.first ) ^ ( key > pair.second );
+            const Uint128 closer =
+                closer_[cells.firstCloser + static_cast<size_t>( __builtin_popcountll( closerBefore ) )];
+            const Uint128 turn = closer & belowSpan, rest = key & belowSpan;
+            const auto span = static_cast<unsigned>( closer >> spanShift );
+            if ( span < partSpan )
+                return inside ^ ( rest > turn ) ^ ( rest > turn + ( Uint128( 1 ) << span ) );
+            at = static_cast<size_t>( turn );
         }
     }
 
@@ -86,20 +90,21 @@ private:
     struct Cells {
         uint64_t insideBefore = 0; // before the turns of the cell, hence also between it and the one before
         uint64_t looksCloser = 0;  // the cell has turns below the end of the window
-        uint32_t firstPair = 0;    // of the cells that look closer, one each
+        uint32_t firstCloser = 0;  // of the cells that look closer, one each
     };
-    // One or two turns, of which the second is the greatest key if there is only one; or the number of a part.
-    struct alignas( 32 ) Pair {
-        Uint128 first, second;
-        bool isPart() const { return first > second; }
-    };
+    // What a cell that looks closer has: the 96 lowest bits of its first turn, and above them that its second one is
+    // 2^span beyond; or that there is none, which then is beyond all that is compared; or the number of a part.
+    static constexpr unsigned spanShift = 96;
+    static constexpr Uint128 belowSpan = ( Uint128( 1 ) << spanShift ) - 1;
+    static constexpr unsigned noSpan = 127, partSpan = 128;
 
+    static Uint128 closerOf( const Uint128 *turns, size_t count );
     size_t addPart( const Uint128 *turns, size_t count, bool insideBefore );
 
     RankTrees trees_;
     std::vector<Part> parts_; // the first is for all turns
     std::vector<Cells> cells_;
-    std::vector<Pair, LargePages<Pair>> pairs_;
+    std::vector<Uint128, LargePages<Uint128>> closer_;
 };
 
 } // namespace in

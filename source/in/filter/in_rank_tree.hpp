@@ -31,10 +31,16 @@ public:
     // How many keys of the tree are below.
     size_t rank( const RankTree &tree, uint32_t key ) const
     {
+        return rank( tree, key, []( size_t ) {} );
+    }
+    // The same; near hears a rank that is at most 16 below the result, before the keys there have been looked at.
+    template <class Near> size_t rank( const RankTree &tree, uint32_t key, Near near ) const
+    {
         const int32_t sought = ordered( key );
         size_t at = 0;
         for ( uint32_t level = 0; level < tree.levels; ++level )
             at = at * fanOut + countBelow( nodes_[tree.starts[level] + at], sought );
+        near( at * nodeKeys );
         return at * nodeKeys + countBelow( nodes_[tree.starts[tree.levels] + at], sought );
     }
     // Of the key at a rank, which may be the number of keys: then it is no key.
