@@ -1,0 +1,292 @@
+// FilterRebuild: from the entries of a filter, through DNS, to its next list.
+#include "in/filter/in_filter_rebuild.hpp"
+
+#include "in/base/in_stack.h"
+#include "in/dns/in_dns_data_in_srv.h"
+#include "in/dns/in_dns_query_addresses.h"
+#include "in/dns/in_dns_query_srv.h"
+#include "in/filter/in_filter_entry.h"
+#include "in/filter/in_filter_entry_flags.h"
+#include "in/filter/in_filter_entry_internal.h"
+#include "pb/pb_boxed_int.h"
+#include "pb/pb_store.h"
+#include "pb/pb_vector.h"
+#include "tr/tr.hpp"
+
+#include <set>
+
+namespace in {
+namespace {
+
+using AddressesQuery = pb::Ref<struct inDnsQueryAddresses>;
+using SrvQuery = pb::Ref<struct inDnsQuerySrv>;
+
+// One answer of SRV data may name thousands of targets, each of which would be a look-up.
+constexpr size_t mostTargets = 64;
+
+bool has( const struct inFilterEntry *entry, uint64_t flag )
+{
+    return inFilterEntryFlags( entry ) & flag;
+}
+
+bool versionFits( const struct inFilterEntry *entry, const struct inAddress *address )
+{
+    return !inFilterEntryHasAddressVersion( entry ) ||
+           inFilterEntryAddressVersion( entry ) == inAddressVersion( address );
+}
+
+pbInt entryIndex( const pb::Ref<struct pbDict> &queries, pbInt at )
+{
+    return pbBoxedIntValue( pb::adopt( pbBoxedIntFrom( pbDictValueAt( queries.get(), at ) ) ).get() );
+}
+
+// The distinct targets of the data, in its order; those beyond the limit are counted.
+std::vector<pb::String> targetsOf( const struct inDnsQuerySrv *query, size_t &beyond )
+{
+    std::vector<pb::String> targets;
+    std::set<pb::String> seen;
+    for ( pbInt i = 0; i < inDnsQuerySrvDataInSrvsLength( query ); ++i ) {
+        const auto data = pb::adopt( inDnsQuerySrvDataInSrvAt( query, i ) );
+        const auto target = pb::adopt( inDnsDataInSrvTarget( data.get() ) );
+        if ( target && seen.insert( target ).second && targets.size() < mostTargets )
+            targets.push_back( target );
+    }
+    beyond = seen.size() - targets.size();
+    return targets;
+}
+
+} // namespace
+
+FilterRebuild::FilterRebuild( pb::Ref<struct trStream> filterTrace, pb::Ref<struct pbSignalable> signalable )
+    : filterTrace_( std::move( filterTrace ) ), signalable_( std::move( signalable ) )
+{
+}
+
+// One that is under way is abandoned.
+void FilterRebuild::start( const Options &options, const Stack &stack, Dropped &dropped )
+{
+    drop( dropped );
+    buildRebuilding = true;
+    buildOptions = options;
+    buildTrace = pb::adopt( trStreamCreateCstr( "in___FilterImpRebuild()", -1 ) );
+    trAnchorComplete( pb::adopt( trAnchorCreate( filterTrace_.get(), TR_ANCHOR_KIND_PLAIN ) ).get(), buildTrace.get() );
+    buildAddressesVector = pb::adopt( pbVectorCreate() );
+    buildMatchingBitsVector = pb::adopt( pbVectorCreate() );
+    buildDnsQueryAddressesDict = pb::adopt( pbDictCreate() );
+    buildDnsQuerySrvDict = pb::adopt( pbDictCreate() );
+    for ( pbInt index = 0; index < inFilterOptionsEntriesLength( buildOptions.get() ); ++index ) {
+        const auto entry = entryAt( index );
+        if ( has( entry.get(), IN_FILTER_ENTRY_FLAG_ADDRESS ) )
+            addHost( index, entry.get() );
+        if ( has( entry.get(), IN_FILTER_ENTRY_FLAG_DNS_QUERY_ADDRESSES ) )
+            askForHost( index, entry.get(), stack );
+        if ( has( entry.get(), IN_FILTER_ENTRY_FLAG_DNS_QUERY_SRV ) )
+            askForServices( index, entry.get(), stack );
+    }
+}
+
+void FilterRebuild::addHost( pbInt index, const struct inFilterEntry *entry )
+{
+    const auto host = pb::adopt( inFilterEntryHost( entry ) );
+    const auto address = pb::adopt( inAddressTryCreateFromString( host.get() ) );
+    if ( address )
+        append( index, entry, address.get(), nullptr );
+    else if ( inFilterEntryFlags( entry ) == IN_FILTER_ENTRY_FLAG_ADDRESS )
+        note( index, host, "not an address, and the flags do not let it be looked up" );
+}
+
+void FilterRebuild::askForHost( pbInt index, const struct inFilterEntry *entry, const Stack &stack )
+{
+    const auto host = pb::adopt( inFilterEntryHost( entry ) );
+    if ( !stack )
+        note( index, host, "there is no stack to ask for it" );
+    else
+        askForAddresses( index, host, stack );
+}
+
+void FilterRebuild::askForServices( pbInt index, const struct inFilterEntry *entry, const Stack &stack )
+{
+    const auto host = pb::adopt( inFilterEntryHost( entry ) );
+    const pbInt prefixes = inFilterEntryDnsSrvPrefixesLength( entry );
+    if ( !stack || !prefixes )
+        note( index, host, prefixes ? "there is no stack to ask for its services" : "no prefix names a service of it" );
+    for ( pbInt i = 0; stack && i < prefixes; ++i ) {
+        const auto service = pb::format( "%~s.%s", pb::adopt( inFilterEntryDnsSrvPrefixAt( entry, i ) ), host );
+        if ( !in___FilterEntryQueryNameOk( service.get() ) ) {
+            note( index, service, "not a name that can be looked up" );
+            continue;
+        }
+        const auto boxed = pb::adopt( pbBoxedIntCreate( index ) );
+        const SrvQuery query = pb::adopt( inDnsQuerySrvCreate( stack.get(), service.get(), anchor().get() ) );
+        pbDictSetObjKey( buildDnsQuerySrvDict.address(), inDnsQuerySrvObj( query.get() ),
+                         pbBoxedIntObj( boxed.get() ) );
+        inDnsQuerySrvEndAddSignalable( query.get(), signalable_.get() );
+    }
+}
+
+void FilterRebuild::askForAddresses( pbInt index, const pb::String &name, const Stack &stack )
+{
+    if ( !in___FilterEntryQueryNameOk( name.get() ) )
+        return noteUnlessAddress( index, name, "not a name that can be looked up" );
+    const auto boxed = pb::adopt( pbBoxedIntCreate( index ) );
+    const AddressesQuery query = pb::adopt( inDnsQueryAddressesCreate( stack.get(), name.get(), anchor().get() ) );
+    pbDictSetObjKey( buildDnsQueryAddressesDict.address(), inDnsQueryAddressesObj( query.get() ),
+                     pbBoxedIntObj( boxed.get() ) );
+    inDnsQueryAddressesEndAddSignalable( query.get(), signalable_.get() );
+}
+
+void FilterRebuild::collect( const Stack &stack, Dropped &dropped )
+{
+    collectServices( stack, dropped ); // first, as the addresses of their targets may be known already
+    collectAddresses( dropped );
+}
+
+void FilterRebuild::collectServices( const Stack &stack, Dropped &dropped )
+{
+    for ( pbInt at = 0; at < pbDictLength( buildDnsQuerySrvDict.get() ); ) {
+        const SrvQuery query = pb::adopt( inDnsQuerySrvFrom( pbDictKeyAt( buildDnsQuerySrvDict.get(), at ) ) );
+        if ( !inDnsQuerySrvEnd( query.get() ) ) {
+            ++at;
+            continue;
+        }
+        takeServices( entryIndex( buildDnsQuerySrvDict, at ), query.get(), stack );
+        dropped.push_back( pb::share( inDnsQuerySrvObj( query.get() ) ) );
+        pbDictDelAt( buildDnsQuerySrvDict.address(), at );
+    }
+}
+
+void FilterRebuild::takeServices( pbInt index, const struct inDnsQuerySrv *query, const Stack &stack )
+{
+    const auto service = pb::adopt( inDnsQuerySrvService( query ) );
+    if ( inDnsQuerySrvError( query ) )
+        return note( index, service, whyNotFound( inDnsQuerySrvFailure( query ) ) );
+    size_t beyond = 0;
+    const std::vector<pb::String> targets = targetsOf( query, beyond );
+    if ( targets.empty() )
+        note( index, service, "the service is not available" );
+    if ( beyond ) {
+        trStreamSetNotable( buildTrace.get() );
+        tr::text( buildTrace.get(), "[in___FilterImpRebuild()] service: %s, targets left out: %i", service, beyond );
+        note( index, service,
+              "only " + std::to_string( mostTargets ) + " targets are asked for, " + std::to_string( beyond ) +
+                  " more are left out" );
+    }
+    for ( const pb::String &target : targets )
+        if ( stack )
+            askForAddresses( index, target, stack );
+        else
+            note( index, target, "there is no stack to ask for it" );
+}
+
+void FilterRebuild::collectAddresses( Dropped &dropped )
+{
+    for ( pbInt at = 0; at < pbDictLength( buildDnsQueryAddressesDict.get() ); ) {
+        const AddressesQuery query =
+            pb::adopt( inDnsQueryAddressesFrom( pbDictKeyAt( buildDnsQueryAddressesDict.get(), at ) ) );
+        if ( !inDnsQueryAddressesEnd( query.get() ) ) {
+            ++at;
+            continue;
+        }
+        takeAddresses( entryIndex( buildDnsQueryAddressesDict, at ), query.get() );
+        dropped.push_back( pb::share( inDnsQueryAddressesObj( query.get() ) ) );
+        pbDictDelAt( buildDnsQueryAddressesDict.address(), at );
+    }
+}
+
+void FilterRebuild::takeAddresses( pbInt index, const struct inDnsQueryAddresses *query )
+{
+    const auto name = pb::adopt( inDnsQueryAddressesDomainName( query ) );
+    const auto entry = entryAt( index );
+    if ( inDnsQueryAddressesError( query ) )
+        return noteUnlessAddress( index, name, whyNotFound( inDnsQueryAddressesFailure( query ) ) );
+    for ( pbInt i = 0; i < inDnsQueryAddressesAddressesLength( query ); ++i )
+        append( index, entry.get(), pb::adopt( inDnsQueryAddressesAddressAt( query, i ) ).get(), name );
+}
+
+bool FilterRebuild::isPending() const
+{
+    return pbDictLength( buildDnsQueryAddressesDict.get() ) || pbDictLength( buildDnsQuerySrvDict.get() );
+}
+
+// An address of another version than the entry's is left out.
+void FilterRebuild::append( pbInt index, const struct inFilterEntry *entry, const struct inAddress *address,
+                            const pb::String &name )
+{
+    if ( !versionFits( entry, address ) )
+        return note( index, pb::adopt( inAddressToString( address ) ), "not of the entry's address version" );
+    const auto boxed = pb::adopt( pbBoxedIntCreate( inFilterEntryAddressMatchingBits( entry ) ) );
+    const auto place = static_cast<uint32_t>( pbVectorLength( buildAddressesVector.get() ) );
+    pbVectorAppend( buildAddressesVector.address(), inAddressObj( address ) );
+    pbVectorAppend( buildMatchingBitsVector.address(), pbBoxedIntObj( boxed.get() ) );
+    buildSources.push_back( { static_cast<uint32_t>( index ), place, name } );
+}
+
+void FilterRebuild::note( pbInt index, const pb::String &name, std::string text )
+{
+    buildNotes.push_back( { static_cast<uint32_t>( index ), name, std::move( text ) } );
+}
+
+// The look-up of an address that is taken as such fails as well, and nobody misses an answer.
+void FilterRebuild::noteUnlessAddress( pbInt index, const pb::String &name, const char *text )
+{
+    if ( !has( entryAt( index ).get(), IN_FILTER_ENTRY_FLAG_ADDRESS ) ||
+         !pb::adopt( inAddressTryCreateFromString( name.get() ) ) )
+        note( index, name, text );
+}
+
+std::shared_ptr<const FilterList> FilterRebuild::finish( Dropped &dropped )
+{
+    FilterFindings findings{ std::move( buildAddressesVector ), std::move( buildMatchingBitsVector ),
+                             std::move( buildSources ), std::move( buildNotes ) };
+    findings.removeDuplicates();
+    auto list = std::make_shared<const FilterList>( buildOptions, std::move( findings ) );
+    if ( tr::listening() ) // nobody else sees the stream, which ends here
+        trStreamSetPropertyCstrStore( buildTrace.get(), "inFilterAddresses", -1, list->keys().get() );
+    drop( dropped );
+    return list;
+}
+
+// Queries that are still pending are left alone.
+void FilterRebuild::drop( Dropped &dropped )
+{
+    for ( pbInt at = 0; buildRebuilding && at < pbDictLength( buildDnsQuerySrvDict.get() ); ++at ) {
+        const auto query = pb::adopt( inDnsQuerySrvFrom( pbDictKeyAt( buildDnsQuerySrvDict.get(), at ) ) );
+        inDnsQuerySrvEndDelSignalable( query.get(), signalable_.get() );
+    }
+    for ( pbInt at = 0; buildRebuilding && at < pbDictLength( buildDnsQueryAddressesDict.get() ); ++at ) {
+        const auto query =
+            pb::adopt( inDnsQueryAddressesFrom( pbDictKeyAt( buildDnsQueryAddressesDict.get(), at ) ) );
+        inDnsQueryAddressesEndDelSignalable( query.get(), signalable_.get() );
+    }
+    dropped.push_back( pb::adopt( pbDictObj( buildDnsQuerySrvDict.release() ) ) );
+    dropped.push_back( pb::adopt( pbDictObj( buildDnsQueryAddressesDict.release() ) ) );
+    dropped.push_back( pb::adopt( inFilterOptionsObj( buildOptions.release() ) ) );
+    buildRebuilding = false;
+    buildTrace.reset();
+    buildAddressesVector.reset();
+    buildMatchingBitsVector.reset();
+    buildSources.clear();
+    buildNotes.clear();
+}
+
+void FilterRebuild::assertBuild( const FilterRebuild *imp )
+{
+    PB_ASSERT( PB_BOOL_FROM( imp->buildRebuilding ) == PB_BOOL_FROM( imp->buildOptions ) );
+    PB_ASSERT( PB_BOOL_FROM( imp->buildRebuilding ) == PB_BOOL_FROM( imp->buildTrace ) );
+    PB_ASSERT( PB_BOOL_FROM( imp->buildRebuilding ) == PB_BOOL_FROM( imp->buildAddressesVector ) );
+    PB_ASSERT( PB_BOOL_FROM( imp->buildRebuilding ) == PB_BOOL_FROM( imp->buildMatchingBitsVector ) );
+    PB_ASSERT( PB_BOOL_FROM( imp->buildRebuilding ) == PB_BOOL_FROM( imp->buildDnsQueryAddressesDict ) );
+    PB_ASSERT( PB_BOOL_FROM( imp->buildRebuilding ) == PB_BOOL_FROM( imp->buildDnsQuerySrvDict ) );
+}
+
+pb::Ref<struct inFilterEntry> FilterRebuild::entryAt( pbInt index ) const
+{
+    return pb::adopt( inFilterOptionsEntryAt( buildOptions.get(), index ) );
+}
+
+pb::Ref<struct trAnchor> FilterRebuild::anchor() const
+{
+    return pb::adopt( trAnchorCreate( buildTrace.get(), TR_ANCHOR_KIND_PLAIN ) );
+}
+
+} // namespace in
