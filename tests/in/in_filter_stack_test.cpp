@@ -207,12 +207,16 @@ TEST( Filter, ListsWhatAgreesInAddressAndBitsOnce )
                                           "matches 7 of 8 bits; entry 4 resolved to 10.0.0.0, 10.0.0.1" );
 }
 
-// A server's answer cannot make a filter ask for more than a few names.
+// A server's answer cannot make a filter ask for more than a few names, nor keep the longest of them.
 TEST( Filter, AsksForFewTargetsOfAnAnswer )
 {
     std::vector<std::string> targets;
     for ( int i = 0; i < 2600; ++i )
         targets.push_back( "t" + std::to_string( i ) + ".example" );
+    std::string longName = "example";
+    for ( int i = 0; i < 600; ++i )
+        longName = "a." + longName;
+    targets.insert( targets.begin(), { longName, longName } );
     resolver.set( "_sip.hostile.example", targets );
     support::TraceCatcher catcher;
     resolver.takeAsked();
@@ -223,6 +227,9 @@ TEST( Filter, AsksForFewTargetsOfAnAnswer )
     EXPECT_TRUE( catcher.notable( rebuild ) );
     EXPECT_THAT( catcher.texts( rebuild ),
                  ElementsAre( "[in___FilterImpRebuild()] service: _sip.hostile.example, targets left out: 2536" ) );
+    EXPECT_THAT( item( filter, "inFilterFailures" ),
+                 HasSubstr( "entry 1: _sip.hostile.example: targets longer than names can be are left out: 2; entry 1: "
+                            "_sip.hostile.example: only 64 targets are asked for, 2536 more are left out" ) );
 }
 
 TEST( Filter, KeepsItsListUntilTheNextIsWhole )

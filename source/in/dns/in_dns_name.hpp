@@ -21,6 +21,7 @@ class Name {
     static Name inMessage( pb::Ref<MessageNames> names, MessageNames::Index suffix );
 
     explicit operator bool() const { return static_cast<bool>( held_ ); }
+    size_t length() const; // of the text, in code points; costs nothing
     pb::String text() const; // null for the root
     // For people to read: of a name that is not kept as text its first code points, that many.
     pb::String shownText() const;
@@ -44,7 +45,6 @@ class Name {
   private:
     bool isLong() const { return held_ && held_->sort != pbStringSort(); }
     static std::strong_ordering compareLong( const Name &a, const Name &b );
-    size_t length() const; // of the text
 
     pb::Ref<struct pbObj> held_;
 };

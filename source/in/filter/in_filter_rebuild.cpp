@@ -2,7 +2,7 @@
 #include "in/filter/in_filter_rebuild.hpp"
 
 #include "in/base/in_stack.h"
-#include "in/dns/in_dns_data_in_srv.h"
+#include "in/dns/in_dns_data_in_srv.hpp"
 #include "in/dns/in_dns_query_addresses.h"
 #include "in/dns/in_dns_query_srv.h"
 #include "in/filter/in_filter_entry.h"
@@ -40,20 +40,26 @@ pbInt entryIndex( const pb::Ref<struct pbDict> &queries, pbInt at )
     return pbBoxedIntValue( pb::adopt( pbBoxedIntFrom( pbDictValueAt( queries.get(), at ) ) ).get() );
 }
 
-// The distinct targets of the data, in its order; those beyond the limit are counted.
-std::vector<pb::String> targetsOf( const struct inDnsQuerySrv *query, size_t &beyond )
-{
-    std::vector<pb::String> targets;
-    std::set<pb::String> seen;
-    for ( pbInt i = 0; i < inDnsQuerySrvDataInSrvsLength( query ); ++i ) {
-        const auto data = pb::adopt( inDnsQuerySrvDataInSrvAt( query, i ) );
-        const auto target = pb::adopt( inDnsDataInSrvTarget( data.get() ) );
-        if ( target && seen.insert( target ).second && targets.size() < mostTargets )
-            targets.push_back( target );
+// The distinct targets of SRV data, in its order.
+struct Targets {
+    std::vector<pb::String> names;
+    size_t beyond = 0;  // the limit
+    size_t tooLong = 0; // no name of DNS is; the texts of all that one answer holds could fill the memory
+
+    explicit Targets( const struct inDnsQuerySrv *query )
+    {
+        std::set<pb::String> seen;
+        for ( pbInt i = 0; i < inDnsQuerySrvDataInSrvsLength( query ); ++i ) {
+            const auto data = pb::adopt( inDnsQuerySrvDataInSrvAt( query, i ) );
+            if ( data->target.length() > dns::Name::longestText )
+                ++tooLong;
+            else if ( const pb::String name = data->target.text(); name && seen.insert( name ).second )
+                if ( names.size() < mostTargets )
+                    names.push_back( name );
+        }
+        beyond = seen.size() - names.size();
     }
-    beyond = seen.size() - targets.size();
-    return targets;
-}
+};
 
 } // namespace
 
@@ -160,18 +166,20 @@ void FilterRebuild::takeServices( pbInt index, const struct inDnsQuerySrv *query
     const auto service = pb::adopt( inDnsQuerySrvService( query ) );
     if ( inDnsQuerySrvError( query ) )
         return note( index, service, whyNotFound( inDnsQuerySrvFailure( query ) ) );
-    size_t beyond = 0;
-    const std::vector<pb::String> targets = targetsOf( query, beyond );
-    if ( targets.empty() )
+    const Targets targets( query );
+    if ( targets.names.empty() && !targets.tooLong )
         note( index, service, "the service is not available" );
-    if ( beyond ) {
+    if ( targets.tooLong )
+        note( index, service, "targets longer than names can be are left out: " + std::to_string( targets.tooLong ) );
+    if ( targets.beyond ) {
         trStreamSetNotable( buildTrace.get() );
-        tr::text( buildTrace.get(), "[in___FilterImpRebuild()] service: %s, targets left out: %i", service, beyond );
+        tr::text( buildTrace.get(), "[in___FilterImpRebuild()] service: %s, targets left out: %i", service,
+                  targets.beyond );
         note( index, service,
-              "only " + std::to_string( mostTargets ) + " targets are asked for, " + std::to_string( beyond ) +
+              "only " + std::to_string( mostTargets ) + " targets are asked for, " + std::to_string( targets.beyond ) +
                   " more are left out" );
     }
-    for ( const pb::String &target : targets )
+    for ( const pb::String &target : targets.names )
         if ( stack )
             askForAddresses( index, target, stack );
         else
