@@ -336,7 +336,9 @@ void in___NwStackImpSetOptions( struct in___NwStackImp *imp, const struct inNwOp
 {
     PB_ASSERT( imp );
     PB_ASSERT( options );
+    Options before; // may be the last to hold a condition, which ends after the monitor
     pb::Guard guard( imp->monitor );
+    before = imp->options;
     imp->options = pb::share( options );
     prProcessSchedule( imp->process.get() );
 }
