@@ -6,6 +6,7 @@
 #include "inctl/help_formatter.hpp"
 #include "inctl/nearest.hpp"
 #include "inctl/record_keys.hpp"
+#include "inctl/store_text.hpp"
 
 #include "cs/cs_json.h"
 
@@ -50,12 +51,6 @@ std::vector<std::string> namesOf( const std::vector<HostPlace> &places )
 }
 
 } // namespace
-
-std::string textIn( const struct pbStore *record, const char *key )
-{
-    const auto value = pb::adopt( pbStoreValueCstr( record, key, -1 ) );
-    return value ? pb::utf8( value ) : "";
-}
 
 void addHostOptions( CLI::App &command, HostChoice &choice )
 {

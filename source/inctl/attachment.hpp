@@ -57,9 +57,6 @@ class Attachment {
     size_t searched_ = 0; // of input_, for the end of a line
 };
 
-// What a record of the host holds under the key; "" where it has no text.
-std::string textIn( const struct pbStore *record, const char *key );
-
 } // namespace inctl
 
 #endif

@@ -1,6 +1,7 @@
 // inctl trace: what a running host traces, live.
 #include "inctl/attachment.hpp"
 #include "inctl/command.hpp"
+#include "inctl/store_text.hpp"
 #include "inctl/trace_sink.hpp"
 
 #include "pb/pb_buffer.h"

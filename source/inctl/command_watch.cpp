@@ -2,6 +2,7 @@
 #include "inctl/attachment.hpp"
 #include "inctl/command.hpp"
 #include "inctl/status_text.hpp"
+#include "inctl/store_text.hpp"
 
 #include <fmt/format.h>
 

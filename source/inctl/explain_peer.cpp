@@ -1,6 +1,7 @@
 // Why a filter lets a peer in or not, told by the library from the list that it checks with.
 #include "inctl/explain.hpp"
 #include "inctl/filter_answer.hpp"
+#include "inctl/store_text.hpp"
 #include "inctl/table.hpp"
 
 #include "pb/pb_store.h"
@@ -12,39 +13,24 @@ namespace {
 
 using Store = pb::Ref<struct pbStore>;
 
-std::string text( const Store &store, const char *key )
-{
-    const auto value = pb::adopt( pbStoreValueCstr( store.get(), key, -1 ) );
-    return value ? pb::utf8( value ) : "";
-}
-
-std::vector<Store> entries( const Store &store, const char *key )
-{
-    const Store array = pb::adopt( pbStoreStoreCstr( store.get(), key, -1 ) );
-    std::vector<Store> result;
-    for ( pbInt i = 0; i < pbStoreArrayLength( array.get() ); ++i )
-        result.push_back( pb::adopt( pbStoreArrayStoreAt( array.get(), i ) ) );
-    return result;
-}
-
 std::string network( const Store &address )
 {
-    const std::string bits = text( address, "bits" );
-    return text( address, "address" ) + ( bits.empty() ? "" : "/" + bits );
+    const std::string bits = textIn( address, "bits" );
+    return textIn( address, "address" ) + ( bits.empty() ? "" : "/" + bits );
 }
 
 // A row for each address or network of an entry, and one for each name of it that contributes nothing.
 void addEntry( Table &table, const Store &entry )
 {
-    const std::string number = text( entry, "entry" );
-    for ( const Store &address : entries( entry, "addresses" ) ) {
-        const std::string name = text( address, "name" ), matching = text( address, "matchingBits" );
-        table.add( { Cell( number ), Cell( name.empty() ? text( entry, "host" ) : name ), Cell( network( address ) ),
+    const std::string number = textIn( entry, "entry" );
+    for ( const Store &address : storesIn( entry, "addresses" ) ) {
+        const std::string name = textIn( address, "name" ), matching = textIn( address, "matchingBits" );
+        table.add( { Cell( number ), Cell( name.empty() ? textIn( entry, "host" ) : name ), Cell( network( address ) ),
                      Cell( matching.empty() ? "other version" : matching + " bits agree" ) } );
     }
-    for ( const Store &note : entries( entry, "notes" ) )
-        table.add( { Cell( number ), Cell( text( note, "name" ) ), Cell( "" ),
-                     Cell( text( note, "text" ), Paint::Faint ) } );
+    for ( const Store &note : storesIn( entry, "notes" ) )
+        table.add( { Cell( number ), Cell( textIn( note, "name" ) ), Cell( "" ),
+                     Cell( textIn( note, "text" ), Paint::Faint ) } );
 }
 
 } // namespace
@@ -56,13 +42,13 @@ Exit explainPeer( Output &output, const Configuration &configuration, const std:
     const FilterQuestion question{ arguments[0], arguments[1], timeout };
     const FilterAnswer answer = askFilter( configuration, question );
     Table table{ { "ENTRY", true }, { "HOST" }, { "LETS IN" }, { "THE PEER" } };
-    const std::vector<Store> all = entries( answer.explanation, "entries" );
+    const std::vector<Store> all = storesIn( answer.explanation, "entries" );
     for ( size_t i = 0; i < all.size() && i < most; ++i )
         addEntry( table, all[i] );
     table.print( output );
     if ( all.size() > most )
         output.line( fmt::format( "... and {} more entries", all.size() - most ) );
-    if ( const std::string own = text( answer.explanation, "stackAddress" ); !own.empty() )
+    if ( const std::string own = textIn( answer.explanation, "stackAddress" ); !own.empty() )
         output.line( fmt::format( "The stack's own address, {}, is let in as well.", own ) );
     output.line( fmt::format( "\n{} {}", question.address,
                               output.paint( answer.permitted ? Paint::Good : Paint::Bad,

@@ -3,6 +3,7 @@
 #include "inctl/interface_view.hpp"
 #include "inctl/nearest.hpp"
 #include "inctl/record_keys.hpp"
+#include "inctl/store_text.hpp"
 #include "inctl/table.hpp"
 
 #include "in/base/in_options.h"
@@ -17,21 +18,6 @@ namespace inctl {
 namespace {
 
 using Store = pb::Ref<struct pbStore>;
-
-std::string text( const Store &store, const char *key )
-{
-    const auto value = pb::adopt( pbStoreValueCstr( store.get(), key, -1 ) );
-    return value ? pb::utf8( value ) : "";
-}
-
-std::vector<Store> entries( const Store &store, const char *key )
-{
-    const Store array = pb::adopt( pbStoreStoreCstr( store.get(), key, -1 ) );
-    std::vector<Store> result;
-    for ( pbInt i = 0; i < pbStoreArrayLength( array.get() ); ++i )
-        result.push_back( pb::adopt( pbStoreArrayStoreAt( array.get(), i ) ) );
-    return result;
-}
 
 std::string joined( const Store &store, const char *key )
 {
@@ -53,23 +39,23 @@ std::string verdict( const Store &candidate, const Store &best )
 {
     if ( const std::string keys = joined( candidate, "excludedBy" ); !keys.empty() )
         return "excluded by " + keys;
-    if ( text( candidate, "address" ) == text( best, "address" ) )
+    if ( textIn( candidate, "address" ) == textIn( best, "address" ) )
         return "chosen";
-    return score( candidate ) < score( best ) ? "admitted, but " + text( best, "class" ) + " is better"
+    return score( candidate ) < score( best ) ? "admitted, but " + textIn( best, "class" ) + " is better"
                                               : "admitted, but another of its class comes first";
 }
 
 void print( Output &output, const Store &choice )
 {
-    const std::vector<Store> candidates = entries( choice, "candidates" );
+    const std::vector<Store> candidates = storesIn( choice, "candidates" );
     const auto best =
         std::max_element( candidates.begin(), candidates.end(),
                           []( const Store &a, const Store &b ) { return score( a ) < score( b ); } );
     Table table{ { "ADDRESS" }, { "INTERFACE" }, { "CLASS" }, { "VERDICT" } };
     for ( const Store &candidate : candidates ) {
         const std::string told = verdict( candidate, *best );
-        table.add( { Cell( text( candidate, "address" ) ), Cell( text( candidate, "interface" ) ),
-                     Cell( text( candidate, "class" ) ),
+        table.add( { Cell( textIn( candidate, "address" ) ), Cell( textIn( candidate, "interface" ) ),
+                     Cell( textIn( candidate, "class" ) ),
                      Cell( told, told == "chosen" ? Paint::Good : Paint::Faint ) } );
     }
     table.print( output );
@@ -81,7 +67,7 @@ std::string demands( const struct inOptions *options )
     const Store store = pb::adopt( inOptionsStore( options, false ) );
     std::string result;
     for ( const char *key : { "interface", "addressVersion", "network", "address", "flags" } )
-        if ( const std::string value = text( store, key ); !value.empty() )
+        if ( const std::string value = textIn( store, key ); !value.empty() )
             result += fmt::format( "{}{} {}", result.empty() ? "" : ", ", key, value );
     return result.empty() ? "any address of the host" : result;
 }
@@ -109,7 +95,7 @@ Exit explainStack( Output &output, const Configuration &configuration, const std
     output.line( fmt::format( "{} asks for: {}\n", output.paint( Paint::Strong, name ), demands( options.get() ) ) );
     print( output, choice );
 
-    const std::string address = text( choice, "address" ), primary = text( choice, "primaryInterface" );
+    const std::string address = textIn( choice, "address" ), primary = textIn( choice, "primaryInterface" );
     if ( address.empty() )
         output.line( fmt::format( "\nNo address is chosen{}.", absentInterface( options.get() ) ) );
     else

@@ -2,6 +2,7 @@
 #include "inctl/status_text.hpp"
 
 #include "inctl/attachment.hpp"
+#include "inctl/store_text.hpp"
 #include "inctl/table.hpp"
 
 #include "cs/cs_json.h"

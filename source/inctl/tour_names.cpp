@@ -1,6 +1,7 @@
 // Runs inctl tour-names and shows its result.
 #include "inctl/tour_names.hpp"
 
+#include "inctl/store_text.hpp"
 #include "inctl/table.hpp"
 
 #include "cs/cs_json.h"
@@ -56,37 +57,22 @@ std::string outputOfSelf( std::vector<std::string> arguments )
     return text;
 }
 
-std::string value( const struct pbStore *store, const char *key )
-{
-    const auto text = pb::adopt( pbStoreValueCstr( store, key, -1 ) );
-    return text ? pb::utf8( text ) : "";
-}
-
-std::vector<pb::Ref<struct pbStore>> array( const struct pbStore *store, const char *key )
-{
-    std::vector<pb::Ref<struct pbStore>> list;
-    const auto found = pb::adopt( pbStoreStoreCstr( store, key, -1 ) );
-    for ( pbInt i = 0; found && i < pbStoreArrayLength( found.get() ); ++i )
-        list.push_back( pb::adopt( pbStoreArrayStoreAt( found.get(), i ) ) );
-    return list;
-}
-
 void showServices( Output &output, const struct pbStore *names )
 {
     output.line( output.paint( Paint::Strong, "\nA service looked up, on a host of its own with a name server" ) );
     Table table{ { "TRY", true },  { "PRIORITY", true }, { "WEIGHT", true },
                  { "PORT", true }, { "TARGET" },         { "ADDRESSES" } };
     int number = 0;
-    for ( const auto &srv : array( names, "srvs" ) ) {
+    for ( const auto &srv : storesIn( names, "srvs" ) ) {
         std::string addresses;
         const auto list = pb::adopt( pbStoreStoreCstr( srv.get(), "addresses", -1 ) );
         for ( pbInt i = 0; list && i < pbStoreArrayLength( list.get() ); ++i )
             addresses += ( i ? "\n" : "" ) + pb::utf8( pb::adopt( pbStoreArrayValueAt( list.get(), i ) ) );
-        table.add( { Cell( std::to_string( ++number ) ), Cell( value( srv.get(), "priority" ) ),
-                     Cell( value( srv.get(), "weight" ) ), Cell( value( srv.get(), "port" ) ),
-                     Cell( value( srv.get(), "target" ), Paint::Strong ), Cell( addresses ) } );
+        table.add( { Cell( std::to_string( ++number ) ), Cell( textIn( srv.get(), "priority" ) ),
+                     Cell( textIn( srv.get(), "weight" ) ), Cell( textIn( srv.get(), "port" ) ),
+                     Cell( textIn( srv.get(), "target" ), Paint::Strong ), Cell( addresses ) } );
     }
-    output.line( value( names, "service" ) );
+    output.line( textIn( names, "service" ) );
     table.print( output );
 }
 
@@ -103,12 +89,12 @@ bool showChecks( Output &output, const struct pbStore *names )
     output.line( output.paint( Paint::Strong, "\nA filter made of it: who may talk" ) );
     Table table{ { "PEER" }, { "STATE" }, { "BECAUSE" } };
     bool someIn = false, someOut = false;
-    for ( const auto &check : array( names, "checks" ) ) {
-        const bool permitted = value( check.get(), "permitted" ) == "true";
+    for ( const auto &check : storesIn( names, "checks" ) ) {
+        const bool permitted = textIn( check.get(), "permitted" ) == "true";
         ( permitted ? someIn : someOut ) = true;
-        table.add( { Cell( value( check.get(), "address" ), Paint::Strong ),
+        table.add( { Cell( textIn( check.get(), "address" ), Paint::Strong ),
                      permitted ? Cell( "permitted", Paint::Good ) : Cell( "refused", Paint::Bad ),
-                     Cell( behindColon( value( check.get(), "text" ) ) ) } );
+                     Cell( behindColon( textIn( check.get(), "text" ) ) ) } );
     }
     table.print( output );
     return someIn && someOut;
@@ -120,9 +106,9 @@ bool showNames( Output &output, Record &record )
 {
     const std::string text = outputOfSelf( { "tour-names", "--json" } );
     const auto names = pb::adopt( csJsonTryToStore( pb::string( text ).get() ) );
-    std::string leftOut = names ? value( names.get(), "leftOut" ) : "it did not come to its end";
+    std::string leftOut = names ? textIn( names.get(), "leftOut" ) : "it did not come to its end";
     if ( names && leftOut.empty() )
-        leftOut = value( names.get(), "error" );
+        leftOut = textIn( names.get(), "error" );
     if ( names )
         record.set( "names", names );
     else

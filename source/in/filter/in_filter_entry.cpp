@@ -49,7 +49,7 @@ constexpr auto form = std::tuple{
          in::form::whenPresent },
     Row{ "dnsSrvPrefixes", &inFilterEntry::dnsSrvPrefixes,
          Told{ in::form::VectorOf<struct pbString, AcceptedText>{ { inDnsIdnaDomainNameOk, "a domain name" } },
-               "What stands before the host in the names of services, such as _sip._udp; of a service 64 hosts at most are "
+               "What stands before the host in the names of services, such as _sip._udp; of a service 1,000 hosts at most are "
                "looked up" },
          in::form::always },
 };

@@ -21,8 +21,8 @@ namespace {
 using AddressesQuery = pb::Ref<struct inDnsQueryAddresses>;
 using SrvQuery = pb::Ref<struct inDnsQuerySrv>;
 
-// One answer of SRV data may name thousands of targets, each of which would be a look-up.
-constexpr size_t mostTargets = 64;
+// More than any service names. A hostile answer of 64 KiB may name 2,600 targets, each of which would be a look-up.
+constexpr size_t mostTargets = 1000;
 
 bool has( const struct inFilterEntry *entry, uint64_t flag )
 {
