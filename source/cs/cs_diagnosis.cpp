@@ -57,10 +57,18 @@ extern "C" pbInt csDiagnosisSeverity( const struct csDiagnosis *diagnosis )
     return diagnosis->diagnosis.severity == cs::Severity::Error ? CS_DIAGNOSIS_ERROR : CS_DIAGNOSIS_WARNING;
 }
 
-extern "C" pbBool csDiagnosisOfSystem( const struct csDiagnosis *diagnosis )
+extern "C" pbInt csDiagnosisOrigin( const struct csDiagnosis *diagnosis )
 {
     PB_ASSERT( diagnosis );
-    return diagnosis->diagnosis.finding.ofSystem;
+    switch ( diagnosis->diagnosis.finding.origin ) {
+    case cs::Origin::System:
+        return CS_DIAGNOSIS_OF_SYSTEM;
+    case cs::Origin::Permission:
+        return CS_DIAGNOSIS_OF_PERMISSION;
+    case cs::Origin::Text:
+        break;
+    }
+    return CS_DIAGNOSIS_OF_TEXT;
 }
 
 extern "C" struct pbStore *csDiagnosisStore( const struct csDiagnosis *diagnosis )

@@ -14,6 +14,10 @@ struct pbVector;
 #define CS_DIAGNOSIS_ERROR 0   // the file is refused
 #define CS_DIAGNOSIS_WARNING 1 // valid, but a person should know
 
+#define CS_DIAGNOSIS_OF_TEXT 0       // the file, or that there is none
+#define CS_DIAGNOSIS_OF_SYSTEM 1     // it was not read: the system is short of something (descriptors, memory)
+#define CS_DIAGNOSIS_OF_PERMISSION 2 // it was not read: this user may not
+
 PB_API const struct pbSort *csDiagnosisSort( void );
 PB_API struct csDiagnosis *csDiagnosisRetain( const struct csDiagnosis *obj );
 PB_API void csDiagnosisRelease( const struct csDiagnosis *obj );
@@ -25,8 +29,8 @@ PB_API pbInt csDiagnosisCompare( const struct csDiagnosis *a, const struct csDia
 PB_API pbBool csDiagnosisEquals( const struct csDiagnosis *a, const struct csDiagnosis *b );
 
 PB_API pbInt csDiagnosisSeverity( const struct csDiagnosis *diagnosis );
-// The file was not read since the system is short of something (descriptors, memory): nothing is said about it.
-PB_API pbBool csDiagnosisOfSystem( const struct csDiagnosis *diagnosis );
+// CS_DIAGNOSIS_OF_TEXT and its kin.
+PB_API pbInt csDiagnosisOrigin( const struct csDiagnosis *diagnosis );
 // "file", "line", "column" (from 1, columns in code points), "severity" ("error" or "warning"), "record", "key" (the
 // way to it, such as "udpOptions.portRange"), "what", "expected", "nearest" (the known name that was probably meant). A
 // text that there is none of is left out.

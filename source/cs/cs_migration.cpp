@@ -129,19 +129,22 @@ struct pbBuffer *bufferFrom( std::string_view bytes )
     return pbBufferCreateFromBytes( bytes.data(), static_cast<pbInt>( bytes.size() ) );
 }
 
-std::string writeProblem( const struct csMigration &migration )
+cs::Saved write( const struct csMigration &migration )
 {
     std::string now;
     const cs::Unreadable unreadable = cs::readTextFile( pb::string( migration.path ).get(), now );
     if ( !unreadable.reason.empty() )
-        return "not saved: it cannot be read (" + unreadable.reason + ")";
+        return { .problem = "not saved: it cannot be read (" + unreadable.reason + ")",
+                 .permitted = unreadable.origin != cs::Origin::Permission };
     if ( now != migration.text )
-        return "not saved: it was changed since it was read";
+        return { .problem = "not saved: it was changed since it was read" };
     const std::string text = migration.newText();
     if ( !cs::storeFromJsonText( text ) )
-        return "not saved: it would be too long to be read again";
-    const cs::Saved saved = cs::saveFile( migration.path, text );
-    return saved.problem.empty() ? "" : ( saved.replaced ? "saved, but " : "not saved: " ) + saved.problem;
+        return { .problem = "not saved: it would be too long to be read again" };
+    cs::Saved saved = cs::saveFile( migration.path, text );
+    if ( !saved.problem.empty() )
+        saved.problem.insert( 0, saved.replaced ? "saved, but " : "not saved: " );
+    return saved;
 }
 
 } // namespace
@@ -189,16 +192,19 @@ extern "C" struct pbVector *csMigrationUpdates( const struct csMigration *migrat
     return migration->updates.share();
 }
 
-extern "C" pbBool csMigrationTryWrite( const struct csMigration *migration, struct pbString **problem )
+extern "C" pbBool csMigrationTryWrite( const struct csMigration *migration, struct pbString **problem,
+                                       pbInt *optionalOrigin )
 {
     PB_ASSERT( migration );
     PB_ASSERT( problem );
     if ( migration->edits.empty() )
         return true;
-    const std::string what = writeProblem( *migration );
-    if ( what.empty() )
+    const cs::Saved saved = write( *migration );
+    if ( saved.problem.empty() )
         return true;
+    if ( optionalOrigin )
+        *optionalOrigin = saved.permitted ? CS_DIAGNOSIS_OF_SYSTEM : CS_DIAGNOSIS_OF_PERMISSION;
     pbStringRelease( *problem );
-    *problem = pb::string( migration->path + ": " + what ).release();
+    *problem = pb::string( migration->path + ": " + saved.problem ).release();
     return false;
 }

@@ -2,6 +2,7 @@
 #ifndef CS_MIGRATION_H
 #define CS_MIGRATION_H
 
+#include "cs/cs_diagnosis.h"
 #include "pb/pb_obj.h"
 
 PB_DECLS_BEGIN
@@ -37,9 +38,10 @@ PB_API struct pbBuffer *csMigrationDiff( const struct csMigration *migration );
 // changed what is stored of modules). One that finds its target version or a later one recorded does not run.
 PB_API struct pbVector *csMigrationUpdates( const struct csMigration *migration );
 // Replaces the file by the new text, as csConfigurationTrySave does; nothing is written when nothing changed. False when
-// it could not be, also when the file is not what was read any more: *problem is then "PATH: what went wrong", and the
-// old file is whole.
-PB_API pbBool csMigrationTryWrite( const struct csMigration *migration, struct pbString **problem );
+// it could not be, also when the file is not what was read any more: *problem is then "PATH: what went wrong",
+// *optionalOrigin is CS_DIAGNOSIS_OF_PERMISSION or CS_DIAGNOSIS_OF_SYSTEM, and the old file is whole.
+PB_API pbBool csMigrationTryWrite( const struct csMigration *migration, struct pbString **problem,
+                                   pbInt *optionalOrigin );
 
 PB_DECLS_END
 

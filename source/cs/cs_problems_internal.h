@@ -27,11 +27,14 @@ struct Subject {
     std::string path() const { return record + ( record.empty() || key.empty() ? "" : "." ) + key; }
 };
 
+// What a finding says something about: the text, or why that was not read.
+enum class Origin { Text, System, Permission };
+
 struct Finding {
     std::string what{}; // empty: nothing
     std::string expected{};
     std::string nearest{};  // the known name that was probably meant
-    bool ofSystem = false;  // nothing is said about the text: the system did not let it be read
+    Origin origin = Origin::Text;
 
     // "what is wrong, did you mean "nearest"?" or "what is wrong, expected ...".
     std::string text() const;

@@ -61,13 +61,14 @@ public:
             (void)::unlinkat( directory_.get(), temporaryName_.c_str(), 0 ); // left behind, it is swept up next time
         if ( renamed )
             (void)syncDirectory(); // its reason is told
-        return { renamed, problem_ };
+        return { renamed, problem_, permitted_ };
     }
 
 private:
     bool fail( const char *step )
     {
         problem_ = failure( step, errno );
+        permitted_ = errno != EACCES && errno != EPERM && errno != EROFS;
         return false;
     }
 
@@ -181,6 +182,7 @@ private:
     pb::Fd directory_, temporary_;
     std::string name_, temporaryName_;
     std::string problem_;
+    bool permitted_ = true;
 };
 
 } // namespace

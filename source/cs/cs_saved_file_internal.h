@@ -10,6 +10,7 @@ namespace cs {
 struct Saved {
     bool replaced = false; // the file has the new text
     std::string problem{}; // for a person; of a replaced file: that the disk did not confirm it
+    bool permitted = true; // false: the problem is that this user may not
 };
 
 // Follows symbolic links; keeps owner and mode of the old file or gives none of it up; a new one is for its owner

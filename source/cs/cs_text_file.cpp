@@ -15,11 +15,27 @@
 namespace cs {
 namespace {
 
+Origin originOf( int error )
+{
+    switch ( error ) {
+    case EACCES:
+    case EPERM:
+        return Origin::Permission;
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+    case EIO:
+    case EAGAIN:
+    case ENOBUFS:
+        return Origin::System;
+    default:
+        return Origin::Text;
+    }
+}
+
 Unreadable failure( int error )
 {
-    const bool ofSystem =
-        error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO || error == EAGAIN || error == ENOBUFS;
-    return { std::system_category().message( error ), ofSystem };
+    return { std::system_category().message( error ), originOf( error ) };
 }
 
 Unreadable readFile( const char *path, std::string &bytes )
@@ -55,8 +71,8 @@ Unreadable readTextFile( const struct pbString *path, std::string &bytes )
 Finding unreadableFile( const Unreadable &unreadable )
 {
     return { .what = "cannot be read (" + unreadable.reason + ")",
-             .expected = unreadable.ofSystem ? "" : "a configuration file",
-             .ofSystem = unreadable.ofSystem };
+             .expected = unreadable.origin == Origin::Text ? "a configuration file" : "",
+             .origin = unreadable.origin };
 }
 
 } // namespace cs

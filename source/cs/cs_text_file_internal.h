@@ -11,8 +11,8 @@ struct pbString;
 namespace cs {
 
 struct Unreadable {
-    std::string reason{};  // for a person; empty: it was read
-    bool ofSystem = false; // the system is short of something: nothing is said about the file
+    std::string reason{};         // for a person; empty: it was read
+    Origin origin = Origin::Text; // the file, but where the system is short of something, or does not permit it
 };
 
 // Takes nothing but regular files: a pipe or a terminal could keep the caller

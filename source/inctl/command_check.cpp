@@ -1,5 +1,6 @@
 // inctl check: what is wrong with a configuration file, and what should be known about it.
 #include "inctl/command.hpp"
+#include "inctl/configuration.hpp"
 #include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
 #include "inctl/items.hpp"
@@ -38,26 +39,26 @@ Exit checkFile( Output &output, const CheckOptions &options )
 {
     const Host host;
     size_t errors = 0, warnings = 0;
-    bool unread = false;
+    Exit worst = Exit::Yes;
     Record diagnoses;
     for ( const auto &diagnosis :
           items( pb::adopt( csDiagnoseFile( pb::string( options.file ).get(), options.online ) ), csDiagnosisFrom ) ) {
         const bool isError = csDiagnosisSeverity( diagnosis.get() ) == CS_DIAGNOSIS_ERROR;
         ++( isError ? errors : warnings );
-        unread |= csDiagnosisOfSystem( diagnosis.get() ) != 0;
+        if ( isError )
+            worst = exitOf( csDiagnosisOrigin( diagnosis.get() ) );
         output.line( output.paint( isError ? Paint::Bad : Paint::Plain,
                                    pb::utf8( pb::adopt( csDiagnosisToString( diagnosis.get() ) ) ) ) );
         diagnoses.append( pb::adopt( csDiagnosisStore( diagnosis.get() ) ) );
     }
+    const bool unread = worst == Exit::System || worst == Exit::Permission;
     output.line( fmt::format( "{}: {}", options.file, unread ? "not read" : summary( errors, warnings ) ) );
     output.record( Record()
                        .set( "file", options.file )
                        .set( "errors", errors )
                        .set( "warnings", warnings )
                        .set( "diagnoses", diagnoses ) );
-    if ( unread )
-        return Exit::System;
-    return errors || ( options.strict && warnings ) ? Exit::Configuration : Exit::Yes;
+    return worst == Exit::Yes && options.strict && warnings ? Exit::Configuration : worst;
 }
 
 Exit showSchema( Output &output )

@@ -78,8 +78,9 @@ Exit migrate( Output &output, const MigrateOptions &options )
     if ( const auto told = pb::adopt( diagnoses ); !migration )
         refuse( told );
     struct pbString *problem = nullptr;
-    if ( options.write && !csMigrationTryWrite( migration.get(), &problem ) )
-        throw Failure{ Exit::System, pb::utf8( pb::adopt( problem ) ) };
+    pbInt origin = CS_DIAGNOSIS_OF_SYSTEM;
+    if ( options.write && !csMigrationTryWrite( migration.get(), &problem, &origin ) )
+        throw Failure{ exitOf( origin ), pb::utf8( pb::adopt( problem ) ) };
 
     const bool changed = csMigrationChanged( migration.get() );
     const std::string text = bytesOf( pb::adopt( csMigrationText( migration.get() ) ) );

@@ -51,14 +51,25 @@ Configuration::Configuration( std::string_view text, const std::string &name )
         throw Failure{ Exit::Configuration, fmt::format( "{}", fmt::join( problemLines( problems, name ), "\n" ) ) };
 }
 
+Exit exitOf( pbInt origin )
+{
+    switch ( origin ) {
+    case CS_DIAGNOSIS_OF_SYSTEM:
+        return Exit::System;
+    case CS_DIAGNOSIS_OF_PERMISSION:
+        return Exit::Permission;
+    default:
+        return Exit::Configuration;
+    }
+}
+
 void refuse( const pb::Ref<struct pbVector> &diagnoses )
 {
     std::string lines;
     Exit exit = Exit::Configuration;
     for ( const auto &diagnosis : items( diagnoses, csDiagnosisFrom ) ) {
         lines += ( lines.empty() ? "" : "\n" ) + pb::utf8( pb::adopt( csDiagnosisToString( diagnosis.get() ) ) );
-        if ( csDiagnosisOfSystem( diagnosis.get() ) )
-            exit = Exit::System;
+        exit = exitOf( csDiagnosisOrigin( diagnosis.get() ) ); // one that says why the file was not read is the only one
     }
     throw Failure{ exit, lines };
 }

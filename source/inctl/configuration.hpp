@@ -5,6 +5,7 @@
 
 #include "cs/cs_configuration.h"
 #include "cs/cs_status_reporter.h"
+#include "inctl/exit_code.hpp"
 #include "pb/pb_string.hpp"
 
 #include <string>
@@ -63,8 +64,9 @@ private:
     bool started_ = false;
 };
 
-// Throws Failure with the csDiagnoses of a file that was not accepted: of the system when it could not be read for want
-// of something, else of the configuration.
+// What goes with CS_DIAGNOSIS_OF_TEXT and its kin.
+Exit exitOf( pbInt origin );
+// Throws Failure with the csDiagnoses of a file that was not accepted.
 [[noreturn]] void refuse( const pb::Ref<struct pbVector> &diagnoses );
 
 } // namespace inctl

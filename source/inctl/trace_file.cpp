@@ -21,7 +21,8 @@ TraceFile::TraceFile( std::string path, std::function<bool()> idle )
     : path_( std::move( path ) ), idle_( std::move( idle ) ), file_( open( path_.c_str(), appending, ownersAndGroups ) )
 {
     if ( !file_ )
-        throw Failure{ Exit::System, fmt::format( "--trace: {}: {}", path_, std::strerror( errno ) ) };
+        throw Failure{ errno == EACCES || errno == EPERM ? Exit::Permission : Exit::System,
+                       fmt::format( "--trace: {}: {}", path_, std::strerror( errno ) ) };
 }
 
 void TraceFile::sink_it_( const spdlog::details::log_msg &message )

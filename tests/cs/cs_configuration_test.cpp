@@ -191,23 +191,23 @@ TEST( CsConfiguration, LimitsAndFilesThatCannotBeRead )
     EXPECT_THAT( load( path ).problems, IsEmpty() );
 
     // For want of descriptors nothing is said about the file.
-    const auto isOfSystem = []( const std::string &file ) {
+    const auto originOf = []( const std::string &file ) {
         struct pbVector *diagnoses = nullptr;
         EXPECT_FALSE( csConfigurationTryLoadDiagnosed( pb::string( file ).get(), &diagnoses ) );
         const auto told = pb::adopt( diagnoses );
         const auto diagnosis = pb::adopt( csDiagnosisFrom( pbVectorObjAt( told.get(), 0 ) ) );
         return std::pair( pb::utf8( pb::adopt( csDiagnosisToString( diagnosis.get() ) ) ),
-                          csDiagnosisOfSystem( diagnosis.get() ) != 0 );
+                          csDiagnosisOrigin( diagnosis.get() ) );
     };
-    EXPECT_FALSE( isOfSystem( "/nowhere" ).second );
+    EXPECT_EQ( originOf( "/nowhere" ).second, CS_DIAGNOSIS_OF_TEXT );
     rlimit before;
     ASSERT_EQ( getrlimit( RLIMIT_NOFILE, &before ), 0 );
     const rlimit none{ 0, before.rlim_max };
     setrlimit( RLIMIT_NOFILE, &none );
-    const auto [text, ofSystem] = isOfSystem( path );
+    const auto [text, origin] = originOf( path );
     setrlimit( RLIMIT_NOFILE, &before );
     EXPECT_EQ( text, path + ":1:1: error: cannot be read (Too many open files)" );
-    EXPECT_TRUE( ofSystem );
+    EXPECT_EQ( origin, CS_DIAGNOSIS_OF_SYSTEM );
 }
 
 TEST( CsConfiguration, EveryPrefixOfAGoodFileIsRefusedWithOneProblem )

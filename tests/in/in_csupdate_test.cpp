@@ -183,7 +183,7 @@ pid_t migrating( const std::string &path, int killedBehind )
     struct pbVector *diagnoses = nullptr;
     struct pbString *problem = nullptr;
     const auto migration = pb::adopt( csMigrationTryLoad( pb::string( path ).get(), &diagnoses ) );
-    ::_exit( migration && csMigrationTryWrite( migration.get(), &problem ) ? 0 : 1 );
+    ::_exit( migration && csMigrationTryWrite( migration.get(), &problem, nullptr ) ? 0 : 1 );
 }
 int endOf( pid_t child )
 {

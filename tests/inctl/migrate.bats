@@ -100,4 +100,13 @@ END
         expect 5 '/proc/self/mem:1:1: error: cannot be read \(Input/output error\)$' $command /proc/self/mem
     done
     expect 5 'mem: not read$' check /proc/self/mem
+    [ "$(id -u)" -eq 0 ] || return 0
+    # Nor one that this user may not read, or whose directory it may not write.
+    old_file
+    chmod 755 "$BATS_RUN_TMPDIR" "$BATS_TEST_TMPDIR"
+    for command in "600 check" "600 run" "600 migrate" "644 migrate --write"; do
+        chmod "${command%% *}" "$file"
+        run setpriv --reuid=65534 --regid=65534 --clear-groups "$INCTL" ${command#* } "$file"
+        [ "$status" -eq 4 ] && grep -q 'Permission denied' <<<"$output" || { echo "$command $status $output"; return 1; }
+    done
 }
