@@ -13,6 +13,7 @@
 
 #include <fmt/format.h>
 
+#include <filesystem>
 #include <unistd.h>
 
 namespace inctl {
@@ -39,8 +40,15 @@ pb::Ref<struct pbStore> parsed( const std::string &line )
     return text ? pb::adopt( csJsonTryToStore( text.get() ) ) : nullptr;
 }
 
+void requireValue( const struct pbStore *request, const char *key, const char *what )
+{
+    if ( pb::adopt( pbStoreStoreCstr( request, key, -1 ) ) )
+        refuse( fmt::format( "\"{}\" must be {}", key, what ) );
+}
+
 std::string textOf( const struct pbStore *request, const char *key )
 {
+    requireValue( request, key, "a text" );
     const auto value = pb::adopt( pbStoreValueCstr( request, key, -1 ) );
     return value ? pb::utf8( value ) : "";
 }
@@ -48,9 +56,18 @@ std::string textOf( const struct pbStore *request, const char *key )
 bool flagOf( const struct pbStore *request, const char *key )
 {
     pbBool flag = 0;
+    requireValue( request, key, "true or false" );
     if ( pbStoreHasValueCstr( request, key, -1 ) && !pbStoreValueBoolCstr( request, &flag, key, -1 ) )
         refuse( fmt::format( "\"{}\" must be true or false", key ) );
     return flag != 0;
+}
+
+// Clients may stand in another directory.
+std::string fromRoot( const std::string &file )
+{
+    std::error_code error; // a host whose directory is gone has no better name for it
+    const std::string path = std::filesystem::absolute( file, error ).lexically_normal().string();
+    return error ? file : path;
 }
 
 Record recordOfRefusal( const RunBoard::Refusal &refusal, const std::string &file )
@@ -64,8 +81,8 @@ Record recordOfRefusal( const RunBoard::Refusal &refusal, const std::string &fil
 } // namespace
 
 AttachDesk::AttachDesk( std::string name, const Configuration &configuration, RunBoard &board, AttachTrace &trace )
-    : name_( std::move( name ) ), since_( timeStamp() ), configuration_( configuration ), trace_( trace ),
-      board_( board )
+    : name_( std::move( name ) ), file_( fromRoot( configuration.path() ) ), since_( timeStamp() ),
+      configuration_( configuration ), trace_( trace ), board_( board )
 {
 }
 
@@ -73,7 +90,7 @@ Record &AttachDesk::tellHost( Record &record ) const
 {
     return record.set( "host", name_ )
         .set( "process", getpid() )
-        .set( "file", configuration_.path() )
+        .set( "file", file_ )
         .set( "since", since_ );
 }
 
@@ -171,9 +188,11 @@ Record AttachDesk::trace( AttachClient &client, const struct pbStore *request )
 Record AttachDesk::set( const struct pbStore *request ) const
 {
     const std::string name = textOf( request, "condition" );
+    if ( name.empty() )
+        refuse( "\"condition\" is missing, the name of an object" );
+    const bool value = flagOf( request, "value" );
     if ( !pbStoreHasValueCstr( request, "value", -1 ) )
         refuse( "\"value\" is missing, true or false" );
-    const bool value = flagOf( request, "value" );
     const auto record = recordNamed( name );
     const auto object = pb::adopt( csRecordObject( record.get() ) );
     if ( const std::string sort = pb::utf8( pb::adopt( csRecordSortName( record.get() ) ) ); sort != "CS_CONDITION" )

@@ -37,6 +37,7 @@ class AttachDesk {
     Record &tellHost( Record &record ) const;
 
     const std::string name_;
+    const std::string file_; // absolute
     const std::string since_;
     const Configuration &configuration_;
     AttachTrace &trace_;

@@ -278,18 +278,17 @@ void AttachServer::Thread::admit( pb::Fd connection, Clock::time_point now )
     clients_.pop_back();
 }
 
-// As long as it takes the answers.
+// One request a round: who sends many at once waits for the others' in between.
 void AttachServer::Thread::answer( AttachClient &client, Clock::time_point now )
 {
-    while ( !client.closing() && client.hasRoom() ) {
-        const std::optional<std::string> line = client.takeLine();
-        if ( !line )
-            break;
+    const std::optional<std::string> line =
+        client.closing() || !client.hasRoom() ? std::nullopt : client.takeLine();
+    if ( line ) {
         client.lastRequest = now;
         client.lastWrite = now;
         client.send( desk_.answer( client, *line ) );
     }
-    if ( client.ended() && !client.subscribed() )
+    if ( client.ended() && !client.subscribed() && !client.hasLine() )
         client.closeWhenWritten();
     if ( client.garbage() && !client.closing() ) {
         client.send( AttachDesk::error( fmt::format( "a line of more than {} bytes", AttachClient::longestLine ),
