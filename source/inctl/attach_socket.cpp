@@ -77,7 +77,12 @@ AttachSocket::AttachSocket( const AttachChoice &choice, const std::string &file 
         path_ = choice.socket;
     lockPath_ = ( path_.ends_with( ".sock" ) ? path_.substr( 0, path_.size() - 5 ) : path_ ) + ".lock";
     lock_ = takeLock();
-    listening_ = listen();
+    try {
+        listening_ = listen();
+    } catch ( const Failure & ) {
+        (void)unlink( lockPath_.c_str() ); // under the lock; nobody is to find what never was a host's
+        throw;
+    }
 }
 
 AttachSocket::~AttachSocket()

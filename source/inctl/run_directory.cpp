@@ -16,6 +16,8 @@
 namespace inctl {
 namespace {
 
+constexpr const char *rootDirectory = "/run/inctl";
+
 [[noreturn]] void refuse( const std::string &sentence )
 {
     throw Failure{ errno == EACCES || errno == EPERM || errno == EROFS ? Exit::Permission : Exit::System, sentence };
@@ -53,7 +55,7 @@ std::string runDirectory()
     if ( const std::string given = variable( "RUNTIME_DIRECTORY" ); !given.empty() )
         return given.substr( 0, given.find( ':' ) );
     if ( geteuid() == 0 )
-        return "/run/inctl";
+        return rootDirectory;
     if ( const std::string user = variable( "XDG_RUNTIME_DIR" ); !user.empty() )
         return user + "/inctl";
     return fmt::format( "/tmp/inctl-{}", geteuid() );
@@ -61,8 +63,14 @@ std::string runDirectory()
 
 void requireRunDirectory( const std::string &path )
 {
-    if ( mkdir( path.c_str(), 0700 ) != 0 && errno != EEXIST )
-        refuse( fmt::format( "the run directory {} cannot be made: {}", path, std::strerror( errno ) ) );
+    if ( mkdir( path.c_str(), 0700 ) == 0 ) {
+        // Services of other users have directories of their own inside, whoever of them and root was the first.
+        if ( path == rootDirectory )
+            (void)chmod( path.c_str(), 0755 ); // else they are told that they may not
+    }
+    else if ( errno != EEXIST )
+        refuse( fmt::format( "the run directory {} cannot be made: {}; --socket names another place, --no-socket none",
+                             path, std::strerror( errno ) ) );
     struct stat status {};
     if ( lstat( path.c_str(), &status ) != 0 )
         refuse( fmt::format( "the run directory {} cannot be examined: {}", path, std::strerror( errno ) ) );
