@@ -5,6 +5,7 @@
 #include "inctl/exit_code.hpp"
 #include "inctl/help_formatter.hpp"
 #include "inctl/nearest.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/record_keys.hpp"
 #include "inctl/store_text.hpp"
 
@@ -83,6 +84,8 @@ Attachment::Attachment( const HostChoice &choice )
         for ( const HostPlace &place : places )
             if ( place.name == choice.host && tryConnect( place, deadline ) )
                 place_ = place;
+        // A socket of that name was left by a host that is dead.
+        std::erase_if( places, [&]( const HostPlace &place ) { return place.name == choice.host; } );
         if ( !connection_ )
             throw Failure{ Exit::No, fmt::format( "no host named {} runs{}", choice.host,
                                                   suggestion( choice.host, namesOf( places ) ) ) };
@@ -148,7 +151,7 @@ void Attachment::greet( Clock::time_point deadline )
     if ( !pbStoreValueIntCstr( hello.get(), &protocol, "protocol", -1 ) || protocol != 1 )
         throw Failure{ Exit::System, fmt::format( "the host {} speaks another version ({}) than this inctl (1)",
                                                   place_.name, protocol ) };
-    place_.name = textIn( hello.get(), "host" );
+    place_.name = printable( textIn( hello.get(), "host" ) );
 }
 
 void Attachment::failAsSilent() const
@@ -191,7 +194,7 @@ std::optional<pb::Ref<struct pbStore>> Attachment::takeLine()
     if ( const std::string error = textIn( record.get(), "error" ); !error.empty() ) {
         pbInt exit = static_cast<pbInt>( Exit::System );
         (void)pbStoreValueIntCstr( record.get(), &exit, "exit", -1 ); // a host that gives none: a system error
-        throw Failure{ static_cast<Exit>( std::clamp<pbInt>( exit, 1, 5 ) ), error };
+        throw Failure{ static_cast<Exit>( std::clamp<pbInt>( exit, 1, 5 ) ), printable( error ) };
     }
     return record;
 }

@@ -6,6 +6,7 @@
 #include "inctl/host.hpp"
 #include "inctl/items.hpp"
 #include "inctl/look_up.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/stack_choice.hpp"
 #include "inctl/table.hpp"
 
@@ -64,7 +65,7 @@ class Resolution {
         bool numeric = false;
         const auto found = items( lookUp.found, pbStringFrom );
         for ( const auto &name : found ) {
-            output_.line( pb::utf8( name ) );
+            output_.line( printable( pb::utf8( name ) ) );
             list.append( name );
             numeric |= static_cast<bool>( pb::adopt( inAddressTryCreateFromString( name.get() ) ) );
         }

@@ -1,6 +1,7 @@
 // inctl trace: what a running host traces, live.
 #include "inctl/attachment.hpp"
 #include "inctl/command.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/store_text.hpp"
 #include "inctl/trace_sink.hpp"
 
@@ -38,10 +39,11 @@ pb::Ref<struct pbBuffer> bytesOf( const std::string &hexadecimal )
 // The line that the host would write into its own trace, with the name of the object in front of its stream.
 std::string lineOf( const Output &output, const struct pbStore *record )
 {
-    const std::string kind = textIn( record, "event" );
+    const auto shown = [record]( const char *key ) { return printable( textIn( record, key ) ); };
+    const std::string kind = shown( "event" );
     if ( kind == "lost" )
         return output.paint( Paint::Bad,
-                             fmt::format( "{} lines came too fast and are lost", textIn( record, "count" ) ) );
+                             fmt::format( "{} lines came too fast and are lost", shown( "count" ) ) );
     const auto kinds = traceKinds();
     const auto found = std::find( kinds.begin(), kinds.end(), kind );
     if ( found == kinds.end() )
@@ -59,10 +61,10 @@ std::string lineOf( const Output &output, const struct pbStore *record )
                              .store = store.get(),
                              .payload = payload.get() };
     (void)pbStoreValueIntCstr( record, &event.other, "other", -1 ); // of links alone
-    const std::string object = textIn( record, "object" );
-    return fmt::format( "{} {}{}#{}  {}", textIn( record, "time" ),
-                        object.empty() ? "" : output.paint( Paint::Strong, object ) + " ", textIn( record, "name" ),
-                        textIn( record, "stream" ), traceText( event ) );
+    const std::string object = shown( "object" );
+    return fmt::format( "{} {}{}#{}  {}", shown( "time" ),
+                        object.empty() ? "" : output.paint( Paint::Strong, object ) + " ", shown( "name" ),
+                        shown( "stream" ), traceText( event ) );
 }
 
 Exit follow( Output &output, const TraceOptions &options )

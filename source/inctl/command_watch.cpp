@@ -1,6 +1,7 @@
 // inctl watch: the states of a running host's objects, and each change, until a signal.
 #include "inctl/attachment.hpp"
 #include "inctl/command.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/status_text.hpp"
 #include "inctl/store_text.hpp"
 
@@ -18,20 +19,20 @@ struct WatchOptions {
 
 std::string lineOf( const Output &output, const struct pbStore *event )
 {
-    const std::string kind = textIn( event, "event" ), name = textIn( event, "name" );
+    const std::string kind = textIn( event, "event" ), name = printable( textIn( event, "name" ) );
     if ( kind == "status" )
-        return fmt::format( "{}  {}  {}  {}", name, textIn( event, "sort" ),
-                            stateText( output, textIn( event, "state" ) ), detailText( event ) );
+        return fmt::format( "{}  {}  {}  {}", name, printable( textIn( event, "sort" ) ),
+                            stateText( output, printable( textIn( event, "state" ) ) ), detailText( event ) );
     if ( kind == "gone" )
         return fmt::format( "{}  {}", name, output.paint( Paint::Bad, "gone" ) );
     if ( kind == "reloaded" )
         return "the file was loaded anew";
     if ( kind != "refused" )
-        return kind;
+        return printable( kind );
     std::string text = output.paint( Paint::Bad, "the file was refused; what ran before it runs on" );
     const auto problems = pb::adopt( pbStoreStoreCstr( event, "problems", -1 ) );
     for ( pbInt i = 0; problems && i < pbStoreArrayLength( problems.get() ); ++i )
-        text += "\n  " + pb::utf8( pb::adopt( pbStoreArrayValueAt( problems.get(), i ) ) );
+        text += "\n  " + printable( pb::utf8( pb::adopt( pbStoreArrayValueAt( problems.get(), i ) ) ) );
     return text;
 }
 

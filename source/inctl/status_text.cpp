@@ -2,6 +2,7 @@
 #include "inctl/status_text.hpp"
 
 #include "inctl/attachment.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/store_text.hpp"
 #include "inctl/table.hpp"
 
@@ -27,23 +28,38 @@ Paint paintOf( const std::string &state )
                                                                 : Paint::Bad;
 }
 
+// For people; what a host says may come from the network.
+std::string printableIn( const struct pbStore *record, const char *key )
+{
+    return printable( textIn( record, key ) );
+}
+
+// Of an array; empty where the host has put something else.
+Store storeAt( const Store &array, pbInt index )
+{
+    auto store = pb::adopt( pbStoreArrayStoreAt( array.get(), index ) );
+    return store ? std::move( store ) : pb::adopt( pbStoreCreate() );
+}
+
 // The texts of an array, joined.
 std::string joined( const Store &array, const char *separator )
 {
     std::string text;
     for ( pbInt i = 0; i < pbStoreArrayLength( array.get() ); ++i )
-        text += ( i > 0 ? separator : "" ) + pb::utf8( pb::adopt( pbStoreArrayValueAt( array.get(), i ) ) );
+        text += ( i > 0 ? separator : "" ) +
+                printable( pb::utf8( pb::adopt( pbStoreArrayValueAt( array.get(), i ) ) ) );
     return text;
 }
 
 void printHost( Output &output, const struct pbStore *answer )
 {
     output.line( fmt::format( "{} (process {}) runs {} since {}",
-                              output.paint( Paint::Strong, textIn( answer, "host" ) ), textIn( answer, "process" ),
-                              textIn( answer, "file" ), textIn( answer, "since" ) ) );
+                              output.paint( Paint::Strong, printableIn( answer, "host" ) ),
+                              printableIn( answer, "process" ), printableIn( answer, "file" ),
+                              printableIn( answer, "since" ) ) );
     if ( const auto refused = pb::adopt( pbStoreStoreCstr( answer, "refused", -1 ) ) ) {
         output.line( output.paint( Paint::Bad, fmt::format( "The file was refused at {}; what ran before it runs on:",
-                                                            textIn( refused.get(), "time" ) ) ) );
+                                                            printableIn( refused.get(), "time" ) ) ) );
         output.line( joined( storeIn( refused.get(), "problems" ), "\n" ) );
     }
 }
@@ -57,21 +73,21 @@ void printStore( Output &output, const char *heading, const Store &store )
 void printStack( Output &output, const struct pbStore *stack )
 {
     const auto orNone = []( const std::string &text ) { return text.empty() ? std::string( "none" ) : text; };
-    output.line( fmt::format( "  address            {}", orNone( textIn( stack, "address" ) ) ) );
-    output.line( fmt::format( "  primary interface  {}", orNone( textIn( stack, "primaryInterface" ) ) ) );
+    output.line( fmt::format( "  address            {}", orNone( printableIn( stack, "address" ) ) ) );
+    output.line( fmt::format( "  primary interface  {}", orNone( printableIn( stack, "primaryInterface" ) ) ) );
     output.line( fmt::format( "  interfaces         {}", orNone( joined( storeIn( stack, "interfaces" ), ", " ) ) ) );
     printStore( output, "Options in effect, with defaults", storeIn( stack, "options" ) );
 
     const Store dns = storeIn( stack, "dns" ), queries = storeIn( dns.get(), "queries" );
     const pbInt shown = pbStoreArrayLength( queries.get() );
-    const std::string length = textIn( dns.get(), "length" );
+    const std::string length = printableIn( dns.get(), "length" );
     output.line( fmt::format( "\n{}: {}{}", output.paint( Paint::Strong, "DNS queries" ), length,
                               length == std::to_string( shown ) ? "" : fmt::format( ", the first {}", shown ) ) );
     if ( shown == 0 )
         return;
     Table table{ { "KIND" }, { "OF" }, { "STATE" }, { "MS LEFT", true }, { "RESULT" } };
     for ( pbInt i = 0; i < shown; ++i ) {
-        const auto query = pb::adopt( pbStoreArrayStoreAt( queries.get(), i ) );
+        const Store query = storeAt( queries, i );
         const std::string state = textIn( query.get(), "state" );
         table.add( { Cell( textIn( query.get(), "kind" ) ), Cell( textIn( query.get(), "key" ) ),
                      Cell( state, state == "failed" ? Paint::Bad : Paint::Plain ),
@@ -86,7 +102,7 @@ std::string addressesText( const Store &addresses )
 {
     std::string text;
     for ( pbInt i = 0; i < pbStoreArrayLength( addresses.get() ); ++i ) {
-        const auto address = pb::adopt( pbStoreArrayStoreAt( addresses.get(), i ) );
+        const Store address = storeAt( addresses, i );
         const std::string bits = textIn( address.get(), "bits" ), name = textIn( address.get(), "name" );
         text += fmt::format( "{}{}{}{}", i > 0 ? "\n" : "", textIn( address.get(), "address" ),
                              bits.empty() ? "" : "/" + bits, name.empty() ? "" : "  of " + name );
@@ -98,26 +114,26 @@ void printFilter( Output &output, const struct pbStore *filter )
 {
     const bool published = textIn( filter, "published" ) == "true",
                rebuilding = textIn( filter, "rebuilding" ) == "true";
-    output.line( fmt::format( "  list in force      {}", published
-                                                             ? textIn( filter, "addresses" ) + " addresses and networks"
-                                                             : "none yet: nobody is permitted" ) );
+    output.line( fmt::format( "  list in force      {}",
+                              published ? printableIn( filter, "addresses" ) + " addresses and networks"
+                                        : "none yet: nobody is permitted" ) );
     output.line( fmt::format( "  rebuilding         {}", rebuilding ? "yes, names are being looked up" : "no" ) );
-    if ( const std::string address = textIn( filter, "stackAddress" ); !address.empty() )
+    if ( const std::string address = printableIn( filter, "stackAddress" ); !address.empty() )
         output.line( fmt::format( "  stack's address    {}, permitted", address ) );
     const Store entries = storeIn( filter, "entries" );
     const pbInt shown = pbStoreArrayLength( entries.get() );
     if ( shown == 0 )
         return;
-    const std::string length = textIn( filter, "length" );
+    const std::string length = printableIn( filter, "length" );
     output.line( fmt::format( "\n{}: {}{}", output.paint( Paint::Strong, "Entries" ), length,
                               length == std::to_string( shown ) ? "" : fmt::format( ", the first {}", shown ) ) );
     Table table{ { "ENTRY", true }, { "HOST" }, { "PERMITS" }, { "NOTES" } };
     for ( pbInt i = 0; i < shown; ++i ) {
-        const auto entry = pb::adopt( pbStoreArrayStoreAt( entries.get(), i ) );
+        const Store entry = storeAt( entries, i );
         std::string notes;
         const Store noteList = storeIn( entry.get(), "notes" );
         for ( pbInt j = 0; j < pbStoreArrayLength( noteList.get() ); ++j ) {
-            const auto note = pb::adopt( pbStoreArrayStoreAt( noteList.get(), j ) );
+            const Store note = storeAt( noteList, j );
             notes += fmt::format( "{}{}: {}", j > 0 ? "\n" : "", textIn( note.get(), "name" ),
                                   textIn( note.get(), "text" ) );
         }
@@ -137,7 +153,7 @@ std::string stateText( const Output &output, const std::string &state )
 std::string detailText( const struct pbStore *object )
 {
     if ( std::string reason = textIn( object, "reason" ); !reason.empty() )
-        return reason;
+        return printable( std::move( reason ) );
     std::string text;
     const Store items = storeIn( object, "items" );
     for ( pbInt i = 0; i < pbStoreLength( items.get() ); ++i )
@@ -145,7 +161,7 @@ std::string detailText( const struct pbStore *object )
             text += fmt::format( "{}{}={}", text.empty() ? "" : "  ",
                                  pb::utf8( pb::adopt( pbStoreKeyAt( items.get(), i ) ) ),
                                  pb::utf8( pb::adopt( pbStoreValueAt( items.get(), i ) ) ) );
-    return text;
+    return printable( std::move( text ) );
 }
 
 void printStatus( Output &output, const struct pbStore *answer )
@@ -154,7 +170,7 @@ void printStatus( Output &output, const struct pbStore *answer )
     const Store objects = storeIn( answer, "objects" );
     Table table{ { "OBJECT" }, { "SORT" }, { "STATE" }, { "DETAIL" } };
     for ( pbInt i = 0; i < pbStoreArrayLength( objects.get() ); ++i ) {
-        const auto object = pb::adopt( pbStoreArrayStoreAt( objects.get(), i ) );
+        const Store object = storeAt( objects, i );
         const std::string state = textIn( object.get(), "state" );
         table.add( { Cell( textIn( object.get(), "name" ) ), Cell( textIn( object.get(), "sort" ) ),
                      Cell( state, paintOf( state ) ), Cell( detailText( object.get() ) ) } );
@@ -168,11 +184,10 @@ void printStatus( Output &output, const struct pbStore *answer )
 void printDetails( Output &output, const struct pbStore *answer )
 {
     printHost( output, answer );
-    const auto object = pb::adopt( pbStoreArrayStoreAt( storeIn( answer, "objects" ).get(), 0 ) );
-    if ( !object )
-        return;
-    output.line( fmt::format( "\n{}  {}  {}", output.paint( Paint::Strong, textIn( object.get(), "name" ) ),
-                              textIn( object.get(), "sort" ), stateText( output, textIn( object.get(), "state" ) ) ) );
+    const Store object = storeAt( storeIn( answer, "objects" ), 0 );
+    output.line( fmt::format( "\n{}  {}  {}", output.paint( Paint::Strong, printableIn( object.get(), "name" ) ),
+                              printableIn( object.get(), "sort" ),
+                              stateText( output, printableIn( object.get(), "state" ) ) ) );
     if ( const std::string detail = detailText( object.get() ); !detail.empty() )
         output.line( "  " + detail );
     if ( const auto stack = pb::adopt( pbStoreStoreCstr( object.get(), "stack", -1 ) ) )

@@ -16,7 +16,8 @@ std::vector<pb::Ref<struct pbStore>> storesIn( const struct pbStore *store, cons
     std::vector<pb::Ref<struct pbStore>> stores;
     const auto array = pb::adopt( pbStoreStoreCstr( store, key, -1 ) );
     for ( pbInt i = 0; array && i < pbStoreArrayLength( array.get() ); ++i )
-        stores.push_back( pb::adopt( pbStoreArrayStoreAt( array.get(), i ) ) );
+        if ( auto element = pb::adopt( pbStoreArrayStoreAt( array.get(), i ) ) )
+            stores.push_back( std::move( element ) );
     return stores;
 }
 

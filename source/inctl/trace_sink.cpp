@@ -3,6 +3,7 @@
 
 #include "inctl/exit_code.hpp"
 #include "inctl/help_formatter.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/output.hpp"
 #include "inctl/preview.hpp"
 #include "inctl/record_keys.hpp"
@@ -65,7 +66,9 @@ Record traceRecord( const struct trEvent &event, const std::string &object )
     return record;
 }
 
-std::string traceText( const struct trEvent &event )
+namespace {
+
+std::string rawText( const struct trEvent &event )
 {
     switch ( event.kind ) {
     case TR_EVENT_TEXT:
@@ -86,6 +89,13 @@ std::string traceText( const struct trEvent &event )
     default:
         return kindNames[event.kind];
     }
+}
+
+} // namespace
+
+std::string traceText( const struct trEvent &event )
+{
+    return printable( rawText( event ) );
 }
 
 void addTraceOptions( CLI::App &command, TraceChoice &choice )

@@ -67,7 +67,7 @@ Record traceRecord( const struct trEvent &event, const std::string &object );
 // Names of the kinds of events, by kind.
 std::span<const char *const> traceKinds();
 
-// The event as a line of text, without time and stream; for streams of events that a person reads.
+// The event as a line of printable text, without time and stream; for streams of events that a person reads.
 std::string traceText( const struct trEvent &event );
 
 } // namespace inctl

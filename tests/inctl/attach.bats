@@ -108,6 +108,31 @@ leave() {
     expect 0 'sip.json' status
 }
 
+@test "what claims to be a host neither stops a client nor writes to its terminal" {
+    run python3 - "$INCTL" "$BATS_TEST_TMPDIR/it.sock" <<'END'
+import socket, subprocess, sys
+server = socket.socket( socket.AF_UNIX )
+server.bind( sys.argv[2] )
+server.listen()
+hello = b'{"event": "hello", "protocol": 1, "host": "it"}\n'
+answer = hello + b'{"answer": "status", "host": "\\u001b[2J", "objects": [%b]}\n'
+for row, code in (
+    ( b"\xff\n", 5 ), ( b"[" * 99999 + b"\n", 5 ), ( b"{}\n", 5 ), ( b'{"event": "hello", "protocol": {}}\n', 5 ),
+    ( hello + b'{"error": "\\u001b[2J", "exit": 99}\n', 5 ), ( hello + b'{"answer": "status", "objects": 1}\n', 0 ),
+    ( answer % b'5, {"name": "\\u001b[2J", "state": [], "items": 1}', 0 ),
+    ( answer % b'{"reason": "\\u009b2J", "stack": {"interfaces": ["\\u001b[2J", []], "dns": {"queries": [1, {"result": 1}]}}}', 0 ),
+    ( answer % b'{"filter": {"published": 1, "entries": [1, {"addresses": [1], "notes": [1]}]}, "config": 1}', 0 ),
+):
+    for object in [], [ "o" ]:
+        client = subprocess.Popen( [ sys.argv[1], "status", "--host", sys.argv[2], *object ], stdout=subprocess.PIPE, stderr=subprocess.STDOUT )
+        peer = server.accept()[0]
+        peer.sendall( row )
+        printed = client.communicate()[0]
+        assert client.returncode == code and b"\x1b" not in printed and b"\xc2\x9b" not in printed, ( row, client.returncode, printed )
+END
+    [ "$status" -eq 0 ] || { echo "$output"; return 1; }
+}
+
 @test "a host that hangs is left after a while, and strangers are sent away" {
     host sip
     kill -STOP "$started"
