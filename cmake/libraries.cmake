@@ -66,7 +66,7 @@ function( in_test name )
     target_compile_options( ${name} PRIVATE ${IN_CALLER_OPTIONS} )
     target_link_libraries( ${name} PRIVATE ${arg_LIBRARIES} GTest::gmock Threads::Threads )
     if( NOT arg_TIMEOUT )
-        set( arg_TIMEOUT 240 ) # against hanging, not against a busy machine
+        set( arg_TIMEOUT 900 ) # against hanging, not against a busy machine or the long forms
     endif()
     set( properties TIMEOUT ${arg_TIMEOUT} )
     if( arg_RESOURCE_LOCK )
