@@ -2,6 +2,7 @@
 // and the list made of its addresses answers as the walk over them does. The input is lines, see store_lines.hpp.
 #include "in/base/in_address_version.h"
 #include "in/dns/in_dns_idna.h"
+#include "in/dns/in_dns_query.h"
 #include "in/filter/in_filter_entry.h"
 #include "in/filter/in_filter_entry_flags.h"
 #include "in/filter/in_filter_entry_flags_internal.h"
@@ -47,9 +48,9 @@ void checkEntry( const struct inFilterEntry *entry )
     for ( pbInt i = 0; i < inFilterEntryDnsSrvPrefixesLength( entry ); ++i )
         PB_ASSERT( inDnsIdnaDomainNameOk( pb::adopt( inFilterEntryDnsSrvPrefixAt( entry, i ) ).get() ) );
     // What the resolver may be asked for is a name that it takes.
-    if ( in___FilterEntryQueryNameOk( host.get() ) ) {
+    if ( inDnsQueryNameOk( host.get() ) ) {
         const auto ascii = pb::adopt( inDnsIdnaDomainNameToAscii( host.get() ) );
-        PB_ASSERT( pbStringLength( ascii.get() ) <= 253 );
+        PB_ASSERT( pbStringFindChar( ascii.get(), 0, 0 ) == -1 );
         PB_ASSERT( !pbStringEndsWithChar( ascii.get(), PB_CHAR_FULL_STOP ) );
     }
 }

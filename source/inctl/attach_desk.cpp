@@ -6,6 +6,7 @@
 #include "inctl/nearest.hpp"
 #include "inctl/output.hpp"
 #include "inctl/record_keys.hpp"
+#include "inctl/store_text.hpp"
 
 #include "cs/cs_condition.h"
 #include "pb/pb_buffer.h"
@@ -49,8 +50,7 @@ void requireValue( const struct pbStore *request, const char *key, const char *w
 std::string textOf( const struct pbStore *request, const char *key )
 {
     requireValue( request, key, "a text" );
-    const auto value = pb::adopt( pbStoreValueCstr( request, key, -1 ) );
-    return value ? pb::utf8( value ) : "";
+    return textIn( request, key );
 }
 
 bool flagOf( const struct pbStore *request, const char *key )

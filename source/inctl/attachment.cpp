@@ -239,6 +239,21 @@ pb::Ref<struct pbStore> Attachment::ask( const Record &request )
     }
 }
 
+void Attachment::follow( const Record &request, Output &output,
+                         const std::function<std::string( const struct pbStore *event )> &lineOf )
+{
+    Waiter waiter;
+    waiter.add( connection_.get() );
+    (void)ask( request ); // an answer, or it throws
+    while ( !output.broken() ) {
+        const auto event = next( waiter );
+        if ( !event )
+            return;
+        output.record( Record( event ) );
+        output.line( lineOf( event.get() ) );
+    }
+}
+
 pb::Ref<struct pbStore> Attachment::next( Waiter &waiter )
 {
     Clock::time_point deadline = Clock::now() + longestSilence;

@@ -2,6 +2,7 @@
 #ifndef INCTL_ATTACHMENT_HPP
 #define INCTL_ATTACHMENT_HPP
 
+#include "inctl/output.hpp"
 #include "inctl/record.hpp"
 #include "inctl/run_directory.hpp"
 #include "inctl/waiter.hpp"
@@ -10,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -32,11 +34,10 @@ class Attachment {
 
     // The host's answer. Throws Failure: what the host says, or that it says nothing.
     pb::Ref<struct pbStore> ask( const Record &request );
-    // Before the first next.
-    void addTo( Waiter &waiter ) const { waiter.add( connection_.get() ); }
-    // What the host tells next of what was subscribed to; null when it is time to stop. Signs of life are kept from the
-    // caller. Throws Failure when the host ends or is silent.
-    pb::Ref<struct pbStore> next( Waiter &waiter );
+    // Subscribes, and puts out what the host tells, records and lines, until it is time to stop or nobody reads. Throws
+    // Failure as ask does, and when the host ends or is silent.
+    void follow( const Record &request, Output &output,
+                 const std::function<std::string( const struct pbStore *event )> &lineOf );
 
   private:
     using Clock = Waiter::Clock;
@@ -46,6 +47,9 @@ class Attachment {
     void greet( Clock::time_point deadline );
     bool readMore(); // false: nothing is there yet
     std::optional<pb::Ref<struct pbStore>> takeLine();
+    // What the host tells next of what was subscribed to; null when it is time to stop. Signs of life are kept from the
+    // caller.
+    pb::Ref<struct pbStore> next( Waiter &waiter );
     pb::Ref<struct pbStore> awaitLine( Clock::time_point deadline );
     [[noreturn]] void failAsSilent() const;
     [[noreturn]] void failAsEnded() const;

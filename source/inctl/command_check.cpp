@@ -42,7 +42,7 @@ Exit checkFile( Output &output, const CheckOptions &options )
     Exit worst = Exit::Yes;
     Record diagnoses;
     for ( const auto &diagnosis :
-          items( pb::adopt( csDiagnoseFile( pb::string( options.file ).get(), options.online ) ), csDiagnosisFrom ) ) {
+          items( pb::adopt( csDiagnoseFile( pathOf( options.file ).get(), options.online ) ), csDiagnosisFrom ) ) {
         const bool isError = csDiagnosisSeverity( diagnosis.get() ) == CS_DIAGNOSIS_ERROR;
         ++( isError ? errors : warnings );
         if ( isError )

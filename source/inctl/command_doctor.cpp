@@ -1,5 +1,6 @@
 // inctl doctor: what this kernel and this host will not do, mostly without saying so, and what to do about it.
 #include "inctl/command.hpp"
+#include "inctl/configuration.hpp"
 #include "inctl/doctor.hpp"
 #include "inctl/host.hpp"
 #include "inctl/items.hpp"
@@ -19,7 +20,7 @@ std::vector<std::string> diagnoses( const std::string &file, bool online, bool w
 {
     std::vector<std::string> texts;
     for ( const auto &diagnosis :
-          items( pb::adopt( csDiagnoseFile( pb::string( file ).get(), online ) ), csDiagnosisFrom ) )
+          items( pb::adopt( csDiagnoseFile( pathOf( file ).get(), online ) ), csDiagnosisFrom ) )
         if ( withWarnings || csDiagnosisSeverity( diagnosis.get() ) == CS_DIAGNOSIS_ERROR )
             texts.push_back( pb::utf8( pb::adopt( csDiagnosisToString( diagnosis.get() ) ) ) );
     return texts;

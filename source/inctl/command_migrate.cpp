@@ -74,7 +74,7 @@ Exit migrate( Output &output, const MigrateOptions &options )
 {
     const Host host;
     struct pbVector *diagnoses = nullptr;
-    const auto migration = pb::adopt( csMigrationTryLoad( pb::string( options.file ).get(), &diagnoses ) );
+    const auto migration = pb::adopt( csMigrationTryLoad( pathOf( options.file ).get(), &diagnoses ) );
     if ( const auto told = pb::adopt( diagnoses ); !migration )
         refuse( told );
     struct pbString *problem = nullptr;

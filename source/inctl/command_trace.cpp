@@ -69,20 +69,11 @@ std::string lineOf( const Output &output, const struct pbStore *record )
 
 Exit follow( Output &output, const TraceOptions &options )
 {
-    Attachment host( options.host );
-    Waiter waiter;
-    host.addTo( waiter );
     Record request = Record().set( "request", "trace" ).set( "tree", options.tree ).set( "packets", options.packets );
     if ( !options.object.empty() )
         request.set( "object", options.object );
-    (void)host.ask( request ); // an answer, or it throws
-    while ( !output.broken() ) {
-        const auto event = host.next( waiter );
-        if ( !event )
-            break;
-        output.record( Record( event ) );
-        output.line( lineOf( output, event.get() ) );
-    }
+    Attachment( options.host ).follow(
+        request, output, [&output]( const struct pbStore *event ) { return lineOf( output, event ); } );
     return Exit::Yes;
 }
 

@@ -38,20 +38,12 @@ std::string lineOf( const Output &output, const struct pbStore *event )
 
 Exit watch( Output &output, const WatchOptions &options )
 {
-    Attachment host( options.host );
-    Waiter waiter;
-    host.addTo( waiter );
     Record request = Record().set( "request", "watch" );
     if ( !options.object.empty() )
         request.set( "object", options.object );
-    (void)host.ask( request ); // an answer, or it throws
-    while ( !output.broken() ) {
-        const auto event = host.next( waiter );
-        if ( !event )
-            break;
-        output.record( Record( event ) );
-        output.line( fmt::format( "{}  {}", timeOfDay(), lineOf( output, event.get() ) ) );
-    }
+    Attachment( options.host ).follow( request, output, [&output]( const struct pbStore *event ) {
+        return fmt::format( "{}  {}", timeOfDay(), lineOf( output, event ) );
+    } );
     return Exit::Yes;
 }
 

@@ -5,6 +5,8 @@
 #include "inctl/exit_code.hpp"
 #include "inctl/items.hpp"
 #include "inctl/nearest.hpp"
+#include "inctl/object_state.hpp"
+#include "inctl/store_text.hpp"
 
 #include "cs/cs_diagnosis.h"
 #include "pb/pb_store.h"
@@ -25,17 +27,21 @@ std::vector<std::string> problemLines( struct pbVector *problems, const std::str
     return lines;
 }
 
-std::string textOf( const struct pbStore *store, const char *key )
-{
-    return pb::utf8( pb::adopt( pbStoreValueCstr( store, key, -1 ) ) );
-}
-
 } // namespace
+
+pb::String pathOf( const std::string &path )
+{
+    auto text = pb::adopt( pbStringTryCreateFromUtf8( path.data(), static_cast<pbInt>( path.size() ) ) );
+    if ( !text )
+        throw Failure{ Exit::Usage, printable( pb::utf8( pb::string( path ) ) ) +
+                                        ": the path is not UTF-8; give the file another name or a link to it" };
+    return text;
+}
 
 Configuration::Configuration( std::string path ) : path_( std::move( path ) )
 {
     struct pbVector *diagnoses = nullptr;
-    configuration_ = pb::adopt( csConfigurationTryLoadDiagnosed( pb::string( path_ ).get(), &diagnoses ) );
+    configuration_ = pb::adopt( csConfigurationTryLoadDiagnosed( pathOf( path_ ).get(), &diagnoses ) );
     if ( const auto told = pb::adopt( diagnoses ); !configuration_ )
         refuse( told );
 }
@@ -90,13 +96,13 @@ Configuration::Reload Configuration::reload()
 {
     struct pbVector *problems = nullptr;
     struct pbVector *changes = nullptr;
-    if ( !csConfigurationTryReload( configuration_.get(), pb::string( path_ ).get(), &problems, &changes ) )
+    if ( !csConfigurationTryReload( configuration_.get(), pathOf( path_ ).get(), &problems, &changes ) )
         return { problemLines( problems, path_ ), {} };
     pbVectorRelease( problems );
     Reload reload;
     for ( const auto &change : items( pb::adopt( changes ), pbStoreFrom ) )
         reload.changes.push_back(
-            { textOf( change.get(), "name" ), textOf( change.get(), "sort" ), textOf( change.get(), "change" ) } );
+            { textIn( change, "name" ), textIn( change, "sort" ), textIn( change, "change" ) } );
     return reload;
 }
 

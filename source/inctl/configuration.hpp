@@ -14,6 +14,9 @@
 
 namespace inctl {
 
+// The path as the library takes it. Throws Failure when it is not UTF-8: another file could be meant.
+pb::String pathOf( const std::string &path );
+
 class Configuration {
 public:
     // Needs a running Host. Throws Failure with every problem on a line of its own; nothing is started.

@@ -73,17 +73,19 @@ pbInt prScheduler::spawn()
 void prScheduler::stop()
 {
     PB_ASSERT( schedulerOfThread != this );
-    pb::Guard life( lifeMonitor_ );
     {
-        pb::Guard guard( monitor_ );
-        stopped_ = true;
+        pb::Guard life( lifeMonitor_ );
+        {
+            pb::Guard guard( monitor_ );
+            stopped_ = true;
+        }
+        work_.wakeAll();
+        for ( const pb::Ref<struct pbThread> &thread : threads_ )
+            pbThreadJoin( thread.get() );
+        threads_.clear();
+        started_.store( false, std::memory_order_release );
     }
-    work_.wakeAll();
-    for ( const pb::Ref<struct pbThread> &thread : threads_ )
-        pbThreadJoin( thread.get() );
-    threads_.clear();
-    started_.store( false, std::memory_order_release );
-    for ( ;; ) {
+    for ( ;; ) { // under no monitor, as arguments may end with their processes
         pb::Ref<struct prProcess> process;
         {
             pb::Guard guard( monitor_ );

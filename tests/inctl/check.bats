@@ -20,6 +20,11 @@ configuration() {
         "expected": "one of flags, interface, network, addressVersion, address, dnsOptions, tcpOptions, udpOptions",
         "nearest": "address"}' check "$file" --json
     expect 3 'none.json:1:1: error: cannot be read \(No such file' check "$BATS_TEST_TMPDIR/none.json"
+    printf '{}' >"$BATS_TEST_TMPDIR/"$'caf\xe9.json'
+    local command
+    for command in check run migrate doctor; do
+        expect 2 'json: the path is not UTF-8' "$command" "$BATS_TEST_TMPDIR/"$'caf\xe9.json'
+    done
     expect 2 'FILE is required, or --schema' check
     expect 2 'excludes|exclude' check "$file" --schema
     expect_json 0 '.[0]."$schema" == "https://json-schema.org/draft/2020-12/schema"' check --schema

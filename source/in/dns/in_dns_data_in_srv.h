@@ -35,7 +35,7 @@ IN_API pbInt inDnsDataInSrvWeight( const struct inDnsDataInSrv *srv );
 IN_API void inDnsDataInSrvSetWeight( struct inDnsDataInSrv **srv, pbInt weight );
 IN_API pbInt inDnsDataInSrvPort( const struct inDnsDataInSrv *srv );
 IN_API void inDnsDataInSrvSetPort( struct inDnsDataInSrv **srv, pbInt port );
-// A valid domain name, or null.
+// A valid domain name, or null. Not every one can be asked for: see inDnsQueryNameOk.
 IN_API struct pbString *inDnsDataInSrvTarget( const struct inDnsDataInSrv *srv );
 IN_API pbBool inDnsDataInSrvHasTarget( const struct inDnsDataInSrv *srv );
 IN_API void inDnsDataInSrvSetTarget( struct inDnsDataInSrv **srv, const struct pbString *target );

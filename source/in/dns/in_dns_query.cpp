@@ -1,8 +1,9 @@
-// Queries that wait for their answer.
+// What can be asked for, and queries that wait for their answer.
 #include "in/dns/in_dns_query.h"
 
 #include "in/base/in_options.h"
 #include "in/base/in_stack.h"
+#include "in/dns/in_dns_idna.h"
 #include "in/dns/in_dns_options.h"
 #include "in/dns/in_dns_query_addresses.h"
 #include "in/dns/in_dns_query_domain_names.h"
@@ -64,6 +65,15 @@ struct pbVector *orEmpty( struct pbVector *optionalVector )
 }
 
 } // namespace
+
+pbBool inDnsQueryNameOk( const struct pbString *name )
+{
+    PB_ASSERT( name );
+    if ( !inDnsIdnaDomainNameOk( name ) )
+        return false;
+    const auto ascii = pb::adopt( inDnsIdnaDomainNameToAscii( name ) );
+    return !pbStringEndsWithChar( ascii.get(), PB_CHAR_FULL_STOP ) && pbStringFindChar( ascii.get(), 0, 0 ) == -1;
+}
 
 struct inAddress *inDnsQueryAddressForDomainName( struct inStack *stack, const struct pbString *domainName,
                                                   struct pbSignal *optionalSignal, struct trAnchor *optionalAnchor )

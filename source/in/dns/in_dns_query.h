@@ -1,4 +1,4 @@
-// Queries that wait for their answer.
+// What can be asked for, and queries that wait for their answer.
 // Blocking:  for the answer, for the stack's maxBlockDuration or until the optional signal is asserted, whatever comes
 //            first. Not for threads of the library or of the scheduler.
 // Failures:  no answer in that time, or a query in error: null, and an empty vector where one is returned.
@@ -16,6 +16,11 @@ struct pbSignal;
 struct pbString;
 struct pbVector;
 struct trAnchor;
+
+// Whether the system's resolver can be asked for the name: a valid domain name whose ASCII form neither ends in "." nor
+// holds U+0000. A name from outside may be valid and no question: U+2026 prepares to "...". Look at it first when it
+// comes from an answer, such as the target of a service; a query for a name that is none aborts.
+IN_API pbBool inDnsQueryNameOk( const struct pbString *name );
 
 // The best of the addresses, see inDnsQueryAddressesBestAddress.
 IN_API struct inAddress *inDnsQueryAddressForDomainName( struct inStack *stack, const struct pbString *domainName,

@@ -28,7 +28,7 @@ IN_API struct pbString *inDnsQueryAddressesToString( const struct inDnsQueryAddr
 IN_API pbInt inDnsQueryAddressesCompare( const struct inDnsQueryAddresses *a, const struct inDnsQueryAddresses *b );
 IN_API pbBool inDnsQueryAddressesEquals( const struct inDnsQueryAddresses *a, const struct inDnsQueryAddresses *b );
 
-// A valid domain name.
+// A name for which inDnsQueryNameOk holds.
 IN_API struct inDnsQueryAddresses *inDnsQueryAddressesCreate( struct inStack *stack, const struct pbString *domainName,
                                                               struct trAnchor *optionalAnchor );
 

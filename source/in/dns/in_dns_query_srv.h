@@ -29,7 +29,7 @@ IN_API struct pbString *inDnsQuerySrvToString( const struct inDnsQuerySrv *obj )
 IN_API pbInt inDnsQuerySrvCompare( const struct inDnsQuerySrv *a, const struct inDnsQuerySrv *b );
 IN_API pbBool inDnsQuerySrvEquals( const struct inDnsQuerySrv *a, const struct inDnsQuerySrv *b );
 
-// The owner name of the SRV records, such as "_sip._udp.example.com": a valid domain name.
+// The owner name of the SRV records, such as "_sip._udp.example.com": one for which inDnsQueryNameOk holds.
 IN_API struct inDnsQuerySrv *inDnsQuerySrvCreate( struct inStack *stack, const struct pbString *service,
                                                   struct trAnchor *optionalAnchor );
 

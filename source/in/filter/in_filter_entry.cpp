@@ -76,17 +76,6 @@ pbBool in___FilterEntryHostOk( const struct pbString *host )
     return inDnsIdnaDomainNameOk( host ) || pb::adopt( inAddressTryCreateFromString( host ) );
 }
 
-pbBool in___FilterEntryQueryNameOk( const struct pbString *name )
-{
-    PB_ASSERT( name );
-    if ( !inDnsIdnaDomainNameOk( name ) )
-        return false;
-    const auto ascii = pb::adopt( inDnsIdnaDomainNameToAscii( name ) );
-    constexpr pbInt longest = 253; // RFC 1035, section 2.3.4: 255 bytes with the lengths of the labels and the root
-    return pbStringLength( ascii.get() ) <= longest && !pbStringEndsWithChar( ascii.get(), PB_CHAR_FULL_STOP ) &&
-           pbStringFindChar( ascii.get(), 0, 0 ) == -1;
-}
-
 const struct csKey *in___FilterEntryKeys( pbInt *count )
 {
     return in::form::describe<form>( count );

@@ -3,11 +3,11 @@
 
 #include "in/base/in_stack.h"
 #include "in/dns/in_dns_data_in_srv.hpp"
+#include "in/dns/in_dns_query.h"
 #include "in/dns/in_dns_query_addresses.h"
 #include "in/dns/in_dns_query_srv.h"
 #include "in/filter/in_filter_entry.h"
 #include "in/filter/in_filter_entry_flags.h"
-#include "in/filter/in_filter_entry_internal.h"
 #include "pb/pb_boxed_int.h"
 #include "pb/pb_store.h"
 #include "pb/pb_vector.h"
@@ -118,7 +118,7 @@ void FilterRebuild::askForServices( pbInt index, const struct inFilterEntry *ent
         note( index, host, prefixes ? "there is no stack to ask for its services" : "no prefix names a service of it" );
     for ( pbInt i = 0; stack && i < prefixes; ++i ) {
         const auto service = pb::format( "%~s.%s", pb::adopt( inFilterEntryDnsSrvPrefixAt( entry, i ) ), host );
-        if ( !in___FilterEntryQueryNameOk( service.get() ) ) {
+        if ( !inDnsQueryNameOk( service.get() ) ) {
             note( index, service, "not a name that can be looked up" );
             continue;
         }
@@ -132,7 +132,7 @@ void FilterRebuild::askForServices( pbInt index, const struct inFilterEntry *ent
 
 void FilterRebuild::askForAddresses( pbInt index, const pb::String &name, const Stack &stack )
 {
-    if ( !in___FilterEntryQueryNameOk( name.get() ) )
+    if ( !inDnsQueryNameOk( name.get() ) )
         return noteUnlessAddress( index, name, "not a name that can be looked up" );
     const auto boxed = pb::adopt( pbBoxedIntCreate( index ) );
     const AddressesQuery query = pb::adopt( inDnsQueryAddressesCreate( stack.get(), name.get(), anchor().get() ) );

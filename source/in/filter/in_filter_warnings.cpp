@@ -3,9 +3,9 @@
 
 #include "cs/cs_warnings.h"
 #include "in/base/in_address.h"
+#include "in/dns/in_dns_query.h"
 #include "in/filter/in_filter_entry.h"
 #include "in/filter/in_filter_entry_flags.h"
-#include "in/filter/in_filter_entry_internal.h"
 #include "in/filter/in_filter_options.h"
 #include "pb/pb_format.hpp"
 #include "pb/pb_store.h"
@@ -58,7 +58,7 @@ private:
                 warnOfAddress();
             if ( flags_ & dnsFlags && !inFilterOptionsHasStackName( warner_.options_.get() ) )
                 add( ".flags", "names are looked up on a stack, and the filter has none (\"stackName\")" );
-            if ( flags_ & IN_FILTER_ENTRY_FLAG_DNS_QUERY_ADDRESSES && !in___FilterEntryQueryNameOk( host_.get() ) )
+            if ( flags_ & IN_FILTER_ENTRY_FLAG_DNS_QUERY_ADDRESSES && !inDnsQueryNameOk( host_.get() ) )
                 add( ".host", "is a name that the resolver cannot be asked for" );
             warnOfPrefixes();
         }
@@ -83,7 +83,7 @@ private:
                      asked ? "no prefix (\"dnsSrvPrefixes\") names a service that could be looked up"
                            : "has no effect without the flag IN_FILTER_ENTRY_FLAG_DNS_QUERY_SRV" );
             for ( pbInt i = 0; asked && i < length; ++i )
-                if ( !in___FilterEntryQueryNameOk(
+                if ( !inDnsQueryNameOk(
                          pb::format( "%~s.%s", pb::adopt( inFilterEntryDnsSrvPrefixAt( entry_.get(), i ) ), host_ )
                              .get() ) )
                     add( ".dnsSrvPrefixes." + std::to_string( i ),

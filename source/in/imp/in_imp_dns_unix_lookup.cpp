@@ -99,7 +99,8 @@ pbInt failureOfResponse( const struct inDnsMessage *msg )
     }
 }
 
-// In ASCII form, without the full stop at the end (RFC 1035, 2.3.4: 255 bytes in wire format).
+// In ASCII form, without the full stop at the end (RFC 1035, 2.3.4: 255 bytes in wire format). A hosts file may know
+// longer names; no name server is asked for one.
 constexpr pbInt longestName = 253;
 
 using Bytes = std::unique_ptr<char, decltype( &pbBytesZFree )>;
@@ -120,14 +121,13 @@ Vector findAddresses( Trace &trace, const struct pbString *name )
     trace.text( "domainNameAscii: %s", domainName );
     PB_ASSERT_TEXT( !pbStringEndsWithChar( domainName.get(), PB_CHAR_FULL_STOP ),
                     "!pbStringEndsWithChar( domainName, PB_CHAR_FULL_STOP )" );
-    if ( pbStringLength( domainName.get() ) > longestName )
-        return trace.fail( IN_DNS_QUERY_FAILURE_NOT_ASKABLE, "pbStringLength( domainName ) > %i", longestName );
     const Bytes nodename = absolute( domainName );
 
     addrinfo *first = nullptr;
     if ( const int code = getaddrinfo( nodename.get(), nullptr, nullptr, &first ) )
-        return trace.fail( failureOfGetaddrinfo( code ), "getaddrinfo(): %~s",
-                           pb::adopt( unixErrorGetaddrinfoToString( code ) ) );
+        return trace.fail( pbStringLength( domainName.get() ) > longestName ? IN_DNS_QUERY_FAILURE_NOT_ASKABLE
+                                                                            : failureOfGetaddrinfo( code ),
+                           "getaddrinfo(): %~s", pb::adopt( unixErrorGetaddrinfoToString( code ) ) );
     const std::unique_ptr<addrinfo, decltype( &freeaddrinfo )> list( first, freeaddrinfo );
 
     // Without hints each address comes once for each type of socket.
@@ -210,8 +210,6 @@ Vector findSrv( Trace &trace, const struct pbString *name )
     trace.text( "serviceAscii: %s", service );
     PB_ASSERT_TEXT( !pbStringEndsWithChar( service.get(), PB_CHAR_FULL_STOP ),
                     "!pbStringEndsWithChar( service, PB_CHAR_FULL_STOP )" );
-    if ( pbStringLength( service.get() ) > longestName )
-        return trace.fail( IN_DNS_QUERY_FAILURE_NOT_ASKABLE, "pbStringLength( service ) > %i", longestName );
     const auto answer = ask( trace, absolute( service ).get() );
     if ( !answer )
         return nullptr;
