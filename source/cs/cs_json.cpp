@@ -126,6 +126,15 @@ bool hasNullOrDuplicate( const JsonValue &value )
            } );
 }
 
+pb::Ref<struct pbStore> tryToStore( const struct pbString *text, const JsonLimits &limits )
+{
+    const std::string bytes = pb::utf8( text );
+    JsonValue root;
+    if ( !readJson( bytes, root, limits ).text.empty() || !root.isContainer() || hasNullOrDuplicate( root ) )
+        return nullptr;
+    return storeFromJson( root );
+}
+
 } // namespace
 
 bool isArray( const struct pbStore *store )
@@ -159,9 +168,11 @@ extern "C" struct pbString *csJsonFromStore( const struct pbStore *store, pbInt 
 extern "C" struct pbStore *csJsonTryToStore( const struct pbString *text )
 {
     PB_ASSERT( text );
-    const std::string bytes = pb::utf8( text );
-    cs::JsonValue root;
-    if ( !cs::readJson( bytes, root ).text.empty() || !root.isContainer() || cs::hasNullOrDuplicate( root ) )
-        return nullptr;
-    return cs::storeFromJson( root ).release();
+    return cs::tryToStore( text, {} ).release();
+}
+
+extern "C" struct pbStore *csJsonTryToStoreWhole( const struct pbString *text )
+{
+    PB_ASSERT( text );
+    return cs::tryToStore( text, { SIZE_MAX, SIZE_MAX } ).release();
 }

@@ -24,6 +24,9 @@ PB_API struct pbString *csJsonFromStoreWithKeys( const struct pbStore *store, pb
 // Null when the text is not JSON (comments are allowed), its top is neither object nor array, a value is null, a key
 // occurs twice in one object, or it is nested deeper than 64.
 PB_API struct pbStore *csJsonTryToStore( const struct pbString *text );
+// The same; but that refuses, as files are refused, what is longer than 16 MiB or has more than 100,000 values, and this
+// takes all. For text whose length the caller has bounded.
+PB_API struct pbStore *csJsonTryToStoreWhole( const struct pbString *text );
 
 PB_DECLS_END
 

@@ -76,7 +76,10 @@ struct SyntaxError {
 
 class Reader {
 public:
-    Reader( std::string_view bytes, JsonValue &root ) : bytes_( bytes ), position_( bytes.data() ), root_( root ) {}
+    Reader( std::string_view bytes, JsonValue &root, size_t mostValues )
+        : bytes_( bytes ), position_( bytes.data() ), root_( root ), mostValues_( mostValues )
+    {
+    }
 
     JsonError read()
     {
@@ -161,8 +164,8 @@ private:
 
     JsonValue *place( JsonValue::Kind kind, size_t offset )
     {
-        if ( ++values_ > JsonValuesMaximum ) {
-            error_ = { offset, "too many values, expected at most " + std::to_string( JsonValuesMaximum ) };
+        if ( ++values_ > mostValues_ ) {
+            error_ = { offset, "too many values, expected at most " + std::to_string( mostValues_ ) };
             return nullptr;
         }
         JsonValue *value = &root_;
@@ -221,6 +224,7 @@ private:
     const char *position_;
     JsonValue &root_;
     std::vector<Level> levels_;
+    const size_t mostValues_;
     size_t values_ = 0;
     JsonError error_;
 };
@@ -261,13 +265,13 @@ JsonError findUnreadableByte( std::string_view bytes )
 
 } // namespace
 
-JsonError readJson( std::string_view bytes, JsonValue &root )
+JsonError readJson( std::string_view bytes, JsonValue &root, const JsonLimits &limits )
 {
-    if ( bytes.size() > JsonBytesMaximum )
-        return { 0, "too long, expected at most " + std::to_string( JsonBytesMaximum >> 20 ) + " MiB" };
+    if ( bytes.size() > limits.bytes )
+        return { 0, "too long, expected at most " + std::to_string( limits.bytes >> 20 ) + " MiB" };
     const JsonError unreadable = findUnreadableByte( bytes );
     const std::string_view readable = unreadable.text.empty() ? bytes : bytes.substr( 0, unreadable.offset );
-    JsonError error = Reader( readable, root ).read();
+    JsonError error = Reader( readable, root, limits.values ).read();
     // What the parser misses where the readable part ends is missing because of the unreadable byte.
     if ( !unreadable.text.empty() && ( error.text.empty() || error.offset >= readable.size() ) )
         return unreadable;

@@ -6,6 +6,7 @@
 #include "inctl/nearest.hpp"
 #include "inctl/output.hpp"
 #include "inctl/record_keys.hpp"
+#include "inctl/records.hpp"
 #include "inctl/store_text.hpp"
 
 #include "cs/cs_condition.h"

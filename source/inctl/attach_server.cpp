@@ -12,6 +12,7 @@
 #include "inctl/run_board.hpp"
 #include "inctl/run_directory.hpp"
 #include "inctl/signals_blocked.hpp"
+#include "inctl/status_watch.hpp"
 
 #include "pb/pb_wake.hpp"
 
@@ -143,7 +144,7 @@ class AttachServer::Thread {
     // Of the thread alone.
     AttachTrace trace_;
     AttachDesk desk_;
-    AttachView view_;
+    StatusWatch view_;
     std::list<AttachClient> clients_;
     TimeShare time_;
     Clock::time_point lastLook_{};
@@ -156,8 +157,8 @@ AttachServer::Thread::Thread( const AttachChoice &choice, const Configuration &c
     : socket_( choice, configuration.path() ), board_( board ),
       trace_( configuration.configuration(), [wake = wake_] { wake->wake(); } ),
       desk_( socket_.name(), configuration, board, trace_ ),
-      view_( configuration.configuration(), wake_->signalable<&AttachWake::objectsChanged>().get(),
-             wake_->signalable<&AttachWake::statesChanged>().get() )
+      view_( configuration, wake_->signalable<&AttachWake::objectsChanged>().get(),
+             wake_->signalable<&AttachWake::statesChanged>().get(), stateOf )
 {
     if ( !wake_->descriptor )
         throw Failure{ Exit::System, fmt::format( "eventfd(): {}", std::strerror( errno ) ) };

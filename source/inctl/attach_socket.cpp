@@ -43,6 +43,17 @@ bool hasName( int lock, const std::string &path )
            held.st_dev == named.st_dev;
 }
 
+// Empty, or with the number of a process and no more: what a host that was killed may leave.
+bool isLock( int file )
+{
+    char bytes[32];
+    const ssize_t length = pread( file, bytes, sizeof bytes, 0 );
+    if ( length <= 0 )
+        return length == 0;
+    const std::string_view text( bytes, static_cast<size_t>( length ) );
+    return text.size() < sizeof bytes && text.find_first_not_of( "0123456789" ) == text.size() - 1 && text.back() == '\n';
+}
+
 // Somebody listens at the address, without a lock of ours: another program.
 bool isServed( const sockaddr_un &address )
 {
@@ -107,6 +118,10 @@ pb::Fd AttachSocket::takeLock() const
         }
         if ( !hasName( lock.get(), lockPath_ ) )
             continue;
+        if ( !isLock( lock.get() ) )
+            throw Failure{ Exit::System,
+                           fmt::format( "{} is there already and is no lock of a host; --socket gives the socket "
+                                        "another name", lockPath_ ) };
         const std::string number = fmt::format( "{}\n", getpid() );
         // For people; a full disk takes away the number and nothing else.
         (void)!ftruncate( lock.get(), 0 );

@@ -1,9 +1,9 @@
 // AttachTrace: the library's traces, for clients that may be slow.
 #include "inctl/attach_trace.hpp"
 
-#include "inctl/attach_view.hpp"
 #include "inctl/exit_code.hpp"
 #include "inctl/record_keys.hpp"
+#include "inctl/records.hpp"
 #include "inctl/trace_sink.hpp"
 
 #include "tr/tr_anchor.h"

@@ -51,6 +51,24 @@ std::vector<std::string> namesOf( const std::vector<HostPlace> &places )
     return names;
 }
 
+// None of those that run, or several, are meant; there are others whose names are like the one that was given.
+[[noreturn]] void failToChoose( const std::string &name, const std::string &directory,
+                                const std::vector<HostPlace> &running, const std::vector<HostPlace> &others )
+{
+    if ( running.empty() )
+        throw Failure{ Exit::No, name.empty() ? fmt::format( "no host runs (looked in {})", directory )
+                                              : fmt::format( "no host named {} runs{}", name,
+                                                             suggestion( name, namesOf( others ) ) ) };
+    if ( name.empty() )
+        throw Failure{ Exit::Usage, fmt::format( "several hosts run: {}; say which with --host",
+                                                 fmt::join( namesOf( running ), ", " ) ) };
+    std::vector<std::string> sockets;
+    for ( const HostPlace &place : running )
+        sockets.push_back( place.socket );
+    throw Failure{ Exit::Usage, fmt::format( "several hosts named {} run; say which with its socket, --host {}", name,
+                                             fmt::join( sockets, " or --host " ) ) };
+}
+
 } // namespace
 
 void addHostOptions( CLI::App &command, HostChoice &choice )
@@ -77,39 +95,17 @@ Attachment::Attachment( const HostChoice &choice )
     }
     const std::string directory = runDirectory();
     std::vector<HostPlace> places = hostPlaces( directory );
-    if ( choice.host.empty() )
-        choose( places, directory, deadline );
-    else {
-        place_.name = choice.host;
-        for ( const HostPlace &place : places )
-            if ( place.name == choice.host && tryConnect( place, deadline ) )
-                place_ = place;
-        // A socket of that name was left by a host that is dead.
-        std::erase_if( places, [&]( const HostPlace &place ) { return place.name == choice.host; } );
-        if ( !connection_ )
-            throw Failure{ Exit::No, fmt::format( "no host named {} runs{}", choice.host,
-                                                  suggestion( choice.host, namesOf( places ) ) ) };
-    }
-    greet( deadline );
-}
-
-// Sockets of hosts that are dead stay where they were killed; only those that live count.
-void Attachment::choose( std::vector<HostPlace> places, const std::string &directory, Clock::time_point deadline )
-{
-    pb::Fd found;
-    std::vector<std::string> names;
+    const auto isMeant = [&]( const HostPlace &place ) { return choice.host.empty() || place.name == choice.host; };
+    // Sockets of hosts that are dead stay where they were killed; only those that live count.
+    std::vector<HostPlace> running;
     for ( const HostPlace &place : places )
-        if ( tryConnect( place, deadline ) ) {
-            names.push_back( place.name );
-            place_ = place;
-            found = std::move( connection_ );
-        }
-    if ( names.empty() )
-        throw Failure{ Exit::No, fmt::format( "no host runs (looked in {})", directory ) };
-    if ( names.size() > 1 )
-        throw Failure{ Exit::Usage,
-                       fmt::format( "several hosts run: {}; say which with --host", fmt::join( names, ", " ) ) };
-    connection_ = std::move( found );
+        if ( isMeant( place ) && tryConnect( place, deadline ) )
+            running.push_back( place );
+    std::erase_if( places, isMeant );
+    if ( running.size() != 1 )
+        failToChoose( choice.host, directory, running, places );
+    place_ = running.front();
+    greet( deadline );
 }
 
 // False where nobody listens.
@@ -188,7 +184,7 @@ std::optional<pb::Ref<struct pbStore>> Attachment::takeLine()
     const std::string line = input_.substr( 0, end );
     input_.erase( 0, end + 1 );
     searched_ = 0;
-    auto record = pb::adopt( csJsonTryToStore( pb::string( line ).get() ) );
+    auto record = pb::adopt( csJsonTryToStoreWhole( pb::string( line ).get() ) );
     if ( !record )
         throw Failure{ Exit::System, fmt::format( "the host {} does not speak as a host of inctl does", place_.name ) };
     if ( const std::string error = textIn( record.get(), "error" ); !error.empty() ) {

@@ -43,7 +43,6 @@ class Attachment {
     using Clock = Waiter::Clock;
 
     bool tryConnect( const HostPlace &place, Clock::time_point deadline );
-    void choose( std::vector<HostPlace> places, const std::string &directory, Clock::time_point deadline );
     void greet( Clock::time_point deadline );
     bool readMore(); // false: nothing is there yet
     std::optional<pb::Ref<struct pbStore>> takeLine();

@@ -25,8 +25,8 @@ std::string lineOf( const Output &output, const struct pbStore *event )
                             stateText( output, printable( textIn( event, "state" ) ) ), detailText( event ) );
     if ( kind == "gone" )
         return fmt::format( "{}  {}", name, output.paint( Paint::Bad, "gone" ) );
-    if ( kind == "reloaded" )
-        return "the file was loaded anew";
+    if ( kind == "accepted" )
+        return "the file is good again";
     if ( kind != "refused" )
         return printable( kind );
     std::string text = output.paint( Paint::Bad, "the file was refused; what ran before it runs on" );

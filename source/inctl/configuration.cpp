@@ -1,11 +1,11 @@
 // Configuration: a configuration file and its live objects.
 #include "inctl/configuration.hpp"
 
-#include "cs/cs_record.h"
 #include "inctl/exit_code.hpp"
 #include "inctl/items.hpp"
 #include "inctl/nearest.hpp"
 #include "inctl/object_state.hpp"
+#include "inctl/records.hpp"
 #include "inctl/store_text.hpp"
 
 #include "cs/cs_diagnosis.h"
@@ -106,13 +106,18 @@ Configuration::Reload Configuration::reload()
     return reload;
 }
 
+Configuration::Object::Object( const struct csRecord *record )
+    : name( pb::utf8( pb::adopt( csRecordName( record ) ) ) ),
+      sort( pb::utf8( pb::adopt( csRecordSortName( record ) ) ) ), object( pb::adopt( csRecordObject( record ) ) ),
+      status( pb::adopt( csRecordStatus( record ) ) )
+{
+}
+
 std::vector<Configuration::Object> Configuration::objects() const
 {
     std::vector<Object> result;
-    for ( const auto &record : items( pb::adopt( csConfigurationRecords( configuration_.get() ) ), csRecordFrom ) )
-        result.push_back( { pb::utf8( pb::adopt( csRecordName( record.get() ) ) ),
-                            pb::utf8( pb::adopt( csRecordSortName( record.get() ) ) ),
-                            pb::adopt( csRecordObject( record.get() ) ), pb::adopt( csRecordStatus( record.get() ) ) } );
+    for ( const auto &record : recordsOf( configuration_.get() ) )
+        result.emplace_back( record.get() );
     return result;
 }
 

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+struct csRecord;
+
 namespace inctl {
 
 // The path as the library takes it. Throws Failure when it is not UTF-8: another file could be meant.
@@ -46,6 +48,8 @@ public:
     const std::string &path() const { return path_; }
 
     struct Object {
+        explicit Object( const struct csRecord *record );
+
         std::string name;
         std::string sort;
         pb::Ref<struct pbObj> object;            // null before start

@@ -4,9 +4,19 @@
 #include <algorithm>
 
 namespace inctl {
+namespace {
+
+ObjectState stateOfRecord( const struct csRecord *record )
+{
+    return objectState( Configuration::Object( record ) );
+}
+
+} // namespace
 
 RunLoop::RunLoop( const Parts &parts )
-    : parts_( parts ), watch_( parts.configuration, parts.waiter ), watchdog_( manager_, parts.waiter )
+    : parts_( parts ),
+      watch_( parts.configuration, parts.waiter.signalable(), parts.waiter.signalable(), stateOfRecord ),
+      watchdog_( manager_, parts.waiter )
 {
     parts_.waiter.add( parts_.signals.descriptor() );
     if ( parts_.file.descriptor() >= 0 )
@@ -40,8 +50,12 @@ void RunLoop::follow( std::optional<Clock::time_point> deadline )
 
 void RunLoop::showStates()
 {
-    const std::vector<ObjectState> changes = watch_.changes();
-    std::vector<ObjectState> states = watch_.states();
+    std::vector<ObjectState> changes, states;
+    for ( const std::string &name : watch_.look() )
+        if ( const ObjectState *state = watch_.find( name ) ) // else gone
+            changes.push_back( *state );
+    for ( const std::string &name : watch_.names() )
+        states.push_back( *watch_.find( name ) );
     if ( states != *parts_.board.states() )
         parts_.board.setStates( std::move( states ) );
     parts_.view.states( changes );

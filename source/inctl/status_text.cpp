@@ -51,6 +51,16 @@ std::string joined( const Store &array, const char *separator )
     return text;
 }
 
+// "and 20 more", on a line of its own, where an array was cut off and its length told beside it.
+std::string moreText( const struct pbStore *record, const char *array, const char *lengthKey )
+{
+    pbInt length = 0;
+    const pbInt shown = pbStoreArrayLength( storeIn( record, array ).get() );
+    return pbStoreValueIntCstr( record, &length, lengthKey, -1 ) && length > shown
+               ? fmt::format( "\nand {} more", length - shown )
+               : "";
+}
+
 void printHost( Output &output, const struct pbStore *answer )
 {
     output.line( fmt::format( "{} (process {}) runs {} since {}",
@@ -92,7 +102,8 @@ void printStack( Output &output, const struct pbStore *stack )
         table.add( { Cell( textIn( query.get(), "kind" ) ), Cell( textIn( query.get(), "key" ) ),
                      Cell( state, state == "failed" ? Paint::Bad : Paint::Plain ),
                      Cell( textIn( query.get(), "remaining" ) ),
-                     Cell( joined( storeIn( query.get(), "result" ), "\n" ) ) } );
+                     Cell( joined( storeIn( query.get(), "result" ), "\n" ) +
+                           moreText( query.get(), "result", "resultLength" ) ) } );
     }
     table.print( output );
 }
@@ -138,7 +149,9 @@ void printFilter( Output &output, const struct pbStore *filter )
                                   textIn( note.get(), "text" ) );
         }
         table.add( { Cell( textIn( entry.get(), "entry" ) ), Cell( textIn( entry.get(), "host" ) ),
-                     Cell( addressesText( storeIn( entry.get(), "addresses" ) ) ), Cell( notes, Paint::Bad ) } );
+                     Cell( addressesText( storeIn( entry.get(), "addresses" ) ) +
+                           moreText( entry.get(), "addresses", "addressesLength" ) ),
+                     Cell( notes, Paint::Bad ) } );
     }
     table.print( output );
 }

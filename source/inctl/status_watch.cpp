@@ -1,95 +1,92 @@
 // StatusWatch: what the objects of a configuration say of their state.
 #include "inctl/status_watch.hpp"
 
-#include "cs/cs_condition.h"
+#include "inctl/records.hpp"
 
-#include <algorithm>
-#include <map>
+#include <unordered_set>
 
 namespace inctl {
-namespace {
 
-struct csCondition *conditionOf( const Configuration::Object &object )
-{
-    const bool is = object.object && pbObjSort( object.object.get() ) == csConditionSort();
-    return is ? csConditionFrom( object.object.get() ) : nullptr;
-}
-
-} // namespace
-
-StatusWatch::StatusWatch( const Configuration &configuration, const Waiter &waiter )
-    : configuration_( configuration ), waiter_( waiter )
+StatusWatch::StatusWatch( const Configuration &configuration, struct pbSignalable *objects, struct pbSignalable *states,
+                          ObjectState ( *stateOf )( const struct csRecord *record ) )
+    : configuration_( configuration ), objects_( pb::share( objects ) ), states_( pb::share( states ) ),
+      stateOf_( stateOf )
 {
 }
 
 StatusWatch::~StatusWatch()
 {
-    csConfigurationUpdateDelSignalable( configuration_.configuration(), waiter_.signalable() );
-    for ( const Watched &watched : watched_ )
-        detach( watched );
+    close();
 }
 
-// Registers before it reads, so that nothing is missed.
-std::vector<ObjectState> StatusWatch::changes()
+bool StatusWatch::watch( Watched &watched, const struct csRecord *record )
 {
-    csConfigurationUpdateAddSignalable( configuration_.configuration(), waiter_.signalable() );
-    follow();
-    std::vector<ObjectState> changes;
-    for ( Watched &watched : watched_ ) {
-        attach( watched );
-        ObjectState state = objectState( watched.object );
-        if ( std::exchange( watched.fresh, false ) || watched.state != state ) {
-            watched.state = std::move( state );
-            changes.push_back( watched.state );
-        }
+    Watched now{ {}, pb::adopt( csRecordStatus( record ) ), conditionOf( record ) };
+    // What the record had before may live on, and its changes are no longer the record's.
+    if ( !now.status.is( watched.status ) || !now.condition.is( watched.condition ) )
+        withdraw( watched );
+    if ( now.status )
+        csStatusReporterUpdateAddSignalable( now.status.get(), states_.get() );
+    if ( now.condition )
+        csConditionUpdateAddSignalable( now.condition.get(), states_.get() );
+    now.state = stateOf_( record );
+    const bool changed = now.state != watched.state;
+    watched = std::move( now );
+    return changed;
+}
+
+void StatusWatch::withdraw( const Watched &watched ) const
+{
+    if ( watched.status )
+        csStatusReporterUpdateDelSignalable( watched.status.get(), states_.get() );
+    if ( watched.condition )
+        csConditionUpdateDelSignalable( watched.condition.get(), states_.get() );
+}
+
+std::vector<std::string> StatusWatch::look()
+{
+    open_ = true;
+    csConfigurationUpdateAddSignalable( configuration_.configuration(), objects_.get() );
+    std::vector<std::string> changed;
+    std::unordered_set<std::string> there;
+    order_.clear();
+    for ( const auto &record : recordsOf( configuration_.configuration() ) ) {
+        std::string name = pb::utf8( pb::adopt( csRecordName( record.get() ) ) );
+        if ( watch( watched_[name], record.get() ) )
+            changed.push_back( name );
+        there.insert( name );
+        order_.push_back( std::move( name ) );
     }
-    return changes;
+    std::erase_if( watched_, [&]( const auto &entry ) {
+        if ( there.contains( entry.first ) )
+            return false;
+        withdraw( entry.second );
+        changed.push_back( entry.first );
+        return true;
+    } );
+    return changed;
 }
 
-std::vector<ObjectState> StatusWatch::states() const
+void StatusWatch::close()
 {
-    std::vector<ObjectState> states;
-    for ( const Watched &watched : watched_ )
-        states.push_back( watched.state );
-    return states;
+    if ( !std::exchange( open_, false ) )
+        return;
+    csConfigurationUpdateDelSignalable( configuration_.configuration(), objects_.get() );
+    for ( const auto &[name, watched] : watched_ )
+        withdraw( watched );
+    watched_.clear();
+    order_.clear();
 }
 
-// Takes over the records as they are now. A record that still has its object keeps what was seen of it.
-void StatusWatch::follow()
+const ObjectState *StatusWatch::find( const std::string &name ) const
 {
-    std::map<std::string, Watched> before;
-    for ( Watched &watched : std::exchange( watched_, {} ) ) {
-        std::string name = watched.object.name;
-        before.emplace( std::move( name ), std::move( watched ) );
-    }
-    for ( Configuration::Object &object : configuration_.objects() ) {
-        const auto known = before.find( object.name );
-        if ( known != before.end() && known->second.object.object.is( object.object ) &&
-             known->second.object.sort == object.sort ) {
-            watched_.push_back( std::move( known->second ) );
-            before.erase( known );
-        }
-        else
-            watched_.push_back( { std::move( object ), {}, true } );
-    }
-    for ( const auto &[name, gone] : before )
-        detach( gone );
+    const auto found = watched_.find( name );
+    return found == watched_.end() ? nullptr : &found->second.state;
 }
 
-void StatusWatch::attach( const Watched &watched ) const
+std::vector<std::string> StatusWatch::names() const
 {
-    if ( const auto &status = watched.object.status )
-        csStatusReporterUpdateAddSignalable( status.get(), waiter_.signalable() );
-    if ( struct csCondition *condition = conditionOf( watched.object ) )
-        csConditionUpdateAddSignalable( condition, waiter_.signalable() );
-}
-
-void StatusWatch::detach( const Watched &watched ) const
-{
-    if ( const auto &status = watched.object.status )
-        csStatusReporterUpdateDelSignalable( status.get(), waiter_.signalable() );
-    if ( struct csCondition *condition = conditionOf( watched.object ) )
-        csConditionUpdateDelSignalable( condition, waiter_.signalable() );
+    return order_;
 }
 
 } // namespace inctl

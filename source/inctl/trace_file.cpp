@@ -3,6 +3,7 @@
 
 #include "inctl/exit_code.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -30,7 +31,6 @@ void TraceFile::sink_it_( const spdlog::details::log_msg &message )
     if ( reopen_ )
         flush_();
     waiting_.append( message.payload.data(), message.payload.size() ).push_back( '\n' );
-    ++waitingLines_;
     if ( waiting_.size() >= waitingMaximum || idle_() )
         write();
 }
@@ -44,23 +44,30 @@ void TraceFile::flush_()
     if ( pb::Fd now( open( path_.c_str(), appending | O_NONBLOCK, ownersAndGroups ) ); now ) {
         (void)fcntl( now.get(), F_SETFL, O_APPEND ); // and waiting from now on
         file_ = std::move( now );
+        torn_ = false;
     }
 }
 
 void TraceFile::write()
 {
+    if ( waiting_.empty() )
+        return;
+    if ( torn_ )
+        waiting_.insert( 0, 1, '\n' ); // so that the line that was cut off does not take the next one with it
     std::string_view left = waiting_;
     while ( !left.empty() ) {
         const ssize_t written = ::write( file_.get(), left.data(), left.size() );
         if ( written > 0 )
             left.remove_prefix( static_cast<size_t>( written ) );
-        else if ( errno != EINTR ) {
-            lostLines_ += waitingLines_;
+        else if ( errno != EINTR )
             break;
-        }
     }
+    const std::string_view done = std::string_view( waiting_ ).substr( 0, waiting_.size() - left.size() );
+    lostLines_ += static_cast<size_t>( std::count( left.begin(), left.end(), '\n' ) ) -
+                  ( torn_ && done.empty() ? 1 : 0 ); // the end that was put in front is no line
+    if ( !done.empty() )
+        torn_ = done.back() != '\n';
     waiting_.clear();
-    waitingLines_ = 0;
 }
 
 } // namespace inctl

@@ -36,7 +36,8 @@ private:
     std::atomic<bool> reopen_ = false;
     pb::Fd file_;
     std::string waiting_;
-    size_t waitingLines_ = 0, lostLines_ = 0;
+    size_t lostLines_ = 0;
+    bool torn_ = false; // the file ends within a line
 };
 
 } // namespace inctl

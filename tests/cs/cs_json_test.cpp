@@ -70,6 +70,14 @@ TEST( CsJson, RefusesWhatIsNoStore )
         EXPECT_FALSE( store( text ) ) << text;
     EXPECT_TRUE( store( std::string( 64, '[' ) + std::string( 64, ']' ) ) );
     EXPECT_FALSE( store( std::string( 65, '[' ) + std::string( 65, ']' ) ) );
+
+    std::string many = "[0";
+    for ( int i = 0; i < 100'000; ++i )
+        many += ",0";
+    EXPECT_FALSE( store( many + "]" ) );
+    const Store whole = pb::adopt( csJsonTryToStoreWhole( pb::string( many + "]" ).get() ) );
+    EXPECT_EQ( pbStoreArrayLength( whole.get() ), 100'001 );
+    EXPECT_FALSE( pb::adopt( csJsonTryToStoreWhole( pb::string( many ).get() ) ) );
 }
 
 } // namespace

@@ -63,6 +63,10 @@ leave() {
     leave 0
     follow watch active
     sees 'active  CS_CONDITION  false'
+    echo '{' >"$file"
+    sees 'the file was refused; what ran before it runs on'
+    cp "$file.good" "$file"
+    sees 'the file is good again'
     finish TERM 0
     sees 'the host sip has ended'
     leave 1
@@ -96,6 +100,16 @@ leave() {
     host edge
     expect 2 'several hosts run: edge, sip; say which with --host' status
     expect 0 'edge.json' status --host edge
+    # A service manager gives each service a directory of its own, where another may have the same name.
+    mkdir -m 700 "$RUNTIME_DIRECTORY/svc"
+    ln "$RUNTIME_DIRECTORY/edge.sock" "$RUNTIME_DIRECTORY/svc/edge.sock"
+    expect 2 'several hosts named edge run; .* --host [^ ]*/edge.sock or --host [^ ]*/svc/edge.sock' set active true --host edge
+    expect 0 'edge.json' status --host "$RUNTIME_DIRECTORY/svc/edge.sock"
+    rm -r "$RUNTIME_DIRECTORY/svc"
+    # A lock is never taken for what it is not.
+    echo '{"name": "mine"}' >"$BATS_TEST_TMPDIR/package.lock"
+    expect 5 'package.lock is there already and is no lock of a host' run "$file" --socket "$BATS_TEST_TMPDIR/package.sock" --for 0
+    grep -q mine "$BATS_TEST_TMPDIR/package.lock"
     kill -KILL "$first"
     wait "$first" || true
     expect 0 'edge.json' status

@@ -50,6 +50,28 @@ load common
     grep -Eq 'MESSAGE=IN_STACK#[0-9]+  .*PRIORITY=6 .*IN_STREAM_NAME=IN_STACK .*IN_OBJECT=loopback' "$journal"
 }
 
+@test "a trace file that cannot grow loses lines, and none after it can again" {
+    local trace="$BATS_TEST_TMPDIR/trace"
+    echo '{"objects": {"active": {"sort": "CS_CONDITION"}}}' >"$BATS_TEST_TMPDIR/file.json"
+    trap '' XFSZ
+    start run "$BATS_TEST_TMPDIR/file.json" --trace="$trace" --trace-format json
+    await 'active'
+    expect 0 'true' set active true
+    await '"csValue"' "$trace"
+    local most=$(($(stat -c %s "$trace") + 10))
+    prlimit --pid "$started" --fsize="$most:"
+    until [ "$(stat -c %s "$trace")" -eq "$most" ]; do
+        expect 0 'false' set active false
+        expect 0 'true' set active true
+    done
+    prlimit --pid "$started" --fsize=unlimited:
+    expect 0 'false' set active false
+    finish TERM 0
+    grep -Eq '[1-9][0-9]* trace lines? could not be written' "$log"
+    [ "$(jq -Rr 'try (fromjson | "whole") catch "torn"' "$trace" | grep -c torn)" -eq 1 ]
+    tail -n1 "$trace" | jq -e .
+}
+
 @test "an output that cannot be written ends a host with 5, and closed descriptors stay closed to it" {
     [ -w /dev/full ]
     local got=0

@@ -57,7 +57,8 @@ IN_API void inStackUpdateDelSignalable( struct inStack *stack, struct pbSignalab
 // What the stack is asking the resolver, and what it knows until it expires: "length", how many queries there are, and
 // "queries", an array of the first limit of them, each with "kind" ("addresses", "domainNames", "srv"), "key" (the
 // name, address or service), "state" ("running", "known", "failed"), "remaining" (milliseconds until it is forgotten;
-// only of what has an expiry already) and "result" (an array of texts). By kind; what runs first, then by expiry.
+// only of what has an expiry already) and "result" (an array of texts: the first 100 of them, and where there are more
+// "resultLength", how many). By kind; what runs first, then by expiry.
 IN_API struct pbStore *inStackDnsQueriesStore( const struct inStack *stack, pbInt limit );
 
 // Up or down, with the item "inStackAddress" while there is an address.

@@ -15,6 +15,7 @@
 #include "pb/pb_string.hpp"
 #include "pb/pb_vector.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <utility>
@@ -177,7 +178,7 @@ template <class Kind> class DnsQueries {
     std::multimap<pbInt, Imp> known_; // by expiry
 };
 
-// A query as a person reads it: key, state, what is left of its time at now, result.
+// A query as a person reads it: key, state, what is left of its time at now, the beginning of its result.
 template <class Kind>
 pb::Ref<struct pbStore> storeOfListed( typename Kind::Imp *imp, std::optional<pbInt> expiry, pbInt now )
 {
@@ -193,7 +194,10 @@ pb::Ref<struct pbStore> storeOfListed( typename Kind::Imp *imp, std::optional<pb
         pbStoreSetValueIntCstr( store.address(), "remaining", -1, *expiry > now ? *expiry - now : 0 );
     if ( const auto result = pb::adopt( Kind::result( imp ) ) ) {
         auto texts = pb::adopt( pbStoreCreate() );
-        for ( pbInt i = 0; i < pbVectorLength( result.get() ); ++i )
+        const pbInt length = pbVectorLength( result.get() ), shown = std::min<pbInt>( length, 100 );
+        if ( shown < length )
+            pbStoreSetValueIntCstr( store.address(), "resultLength", -1, length );
+        for ( pbInt i = 0; i < shown; ++i )
             pbStoreArrayAppendValue(
                 texts.address(),
                 pb::adopt( pbObjToString( pb::adopt( pbVectorObjAt( result.get(), i ) ).get() ) ).get() );
