@@ -148,8 +148,8 @@ TEST( Filter, AsksForNamesAndServices )
     resolver.set( "two.example", { "192.0.2.1", "2001:db8::1" } );
     resolver.set( "empty.example", {} );
     resolver.set( "_sip.srv.example", { "two.example", "", "gone.example", "two.example", "a\u2026" } );
-    const std::string longest = std::string( 63, 'a' ) + "." + std::string( 63, 'b' ) + "." + std::string( 63, 'c' ) +
-                                "." + std::string( 61, 'd' );
+    const std::string longer = std::string( 63, 'a' ) + "." + std::string( 63, 'b' ) + "." + std::string( 63, 'c' ) +
+                               "." + std::string( 62, 'd' );
     const struct {
         std::string entry;
         std::vector<std::string> asked;
@@ -169,8 +169,7 @@ TEST( Filter, AsksForNamesAndServices )
         { R"({"host":"::1",)" NAME "}", { "::1" }, "{}", "entry 1: ::1: the look-up failed" },
         // Valid names that are no question: U+2026 prepares to "...", U+2024 to ".".
         { R"({"host":"a)" "\u2026" R"(",)" NAME "}", {}, "{}", "entry 1: a\u2026: not a name that can be looked up" },
-        { "{\"host\":\"" + longest + "\"," NAME "}", { longest }, "{}", nullptr },
-        { "{\"host\":\"" + longest + "d\"," NAME "}", {}, "{}", nullptr },
+        { "{\"host\":\"" + longer + "\"," NAME "}", { longer }, "{}", nullptr }, // than DNS has; hosts files may know it
         { R"({"host":"srv.example","dnsSrvPrefixes":["_sip"],)" SERVICE "}",
           { "_sip.srv.example", "two.example", "gone.example" }, R"(["192.0.2.1/-1","2001:db8::1/-1"])",
           "entry 1: a\u2026: not a name that can be looked up; entry 1: gone.example: the look-up failed" },
@@ -220,8 +219,9 @@ TEST( Filter, AsksForSomeTargetsOfAnAnswer )
     resolver.set( "_sip.hostile.example", targets );
     support::TraceCatcher catcher;
     resolver.takeAsked();
-    const Filter filter =
-        makeFilter( options( R"({"host":"hostile.example","dnsSrvPrefixes":["_sip"],)" SERVICE "}", makeStack() ) );
+    const Options hostile =
+        options( R"({"host":"hostile.example","dnsSrvPrefixes":["_sip"],)" SERVICE "}", makeStack() );
+    const Filter filter = makeFilter( hostile );
     awaitList( filter );
     EXPECT_EQ( resolver.takeAsked().size(), 1001u );
     EXPECT_TRUE( catcher.notable( rebuild ) );
@@ -230,6 +230,15 @@ TEST( Filter, AsksForSomeTargetsOfAnAnswer )
     EXPECT_THAT( item( filter, "inFilterFailures" ),
                  HasSubstr( "entry 1: _sip.hostile.example: targets longer than names can be are left out: 2; entry 1: "
                             "_sip.hostile.example: only 1000 targets are asked for, 1600 more are left out" ) );
+
+    // Nor can it keep others waiting, whose look-ups share their threads with those of its targets.
+    resolver.hold( "_sip" );
+    const Filter waiting = makeFilter( hostile );
+    resolver.awaitAsked( "t1.example" );
+    const Filter other = makeFilter( options( R"({"host":"other.example",)" NAME "}", makeStack() ) );
+    resolver.awaitAsked( "other.example" );
+    resolver.letGo();
+    awaitList( waiting );
 }
 
 TEST( Filter, KeepsItsListUntilTheNextIsWhole )

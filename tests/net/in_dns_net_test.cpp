@@ -150,6 +150,9 @@ TEST( DnsQueries, GetWhatAServerHas )
         EXPECT_EQ( ask( addresses, stack, "missing.example.test" ), failure( "NO_NAME" ) );
         EXPECT_EQ( ask( addresses, stack, "text.example.test" ), failure( "NO_DATA" ) );
         EXPECT_EQ( ask( addresses, stack, "any.empty.test" ), failure( "NO_ANSWER" ) ); // SERVFAIL
+        // A backslash begins no escape: these are not "a" and "_sip".
+        EXPECT_EQ( ask( addresses, stack, "\\097.example.test" ), failure( "NO_NAME" ) );
+        EXPECT_EQ( ask( services, stack, "\\095sip._udp.example.test" ), failure( "NO_NAME" ) );
         std::string tooLong = "example.test";
         while ( tooLong.size() <= 253 )
             tooLong.insert( 0, std::string( 60, 'a' ) + "." );

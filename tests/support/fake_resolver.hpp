@@ -12,6 +12,7 @@
 #include "pb/pb_string.hpp"
 #include "pb/pb_vector.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <map>
 #include <mutex>
@@ -34,11 +35,18 @@ public:
         std::lock_guard lock( mutex_ );
         answers_[name] = std::move( answers );
     }
-    // Look-ups that come wait until they are let go.
-    void hold()
+    // Look-ups that come wait until they are let go, but for those of names that begin so.
+    void hold( const std::string &butFor = "" )
     {
         std::lock_guard lock( mutex_ );
         held_ = true;
+        notHeld_ = butFor;
+    }
+    // Until it has been asked for since takeAsked.
+    void awaitAsked( const std::string &name )
+    {
+        std::unique_lock lock( mutex_ );
+        changed_.wait( lock, [&] { return std::find( asked_.begin(), asked_.end(), name ) != asked_.end(); } );
     }
     void letGo()
     {
@@ -57,9 +65,11 @@ public:
     pb::Ref<struct pbVector> answer( const struct pbString *name, struct pbObj *( *make )( const std::string &text ) )
     {
         std::unique_lock lock( mutex_ );
-        asked_.push_back( pb::utf8( name ) );
-        changed_.wait( lock, [this] { return !held_; } );
-        const auto found = answers_.find( pb::utf8( name ) );
+        const std::string text = pb::utf8( name );
+        asked_.push_back( text );
+        changed_.notify_all();
+        changed_.wait( lock, [&] { return !held_ || ( !notHeld_.empty() && text.starts_with( notHeld_ ) ); } );
+        const auto found = answers_.find( text );
         if ( found == answers_.end() )
             return nullptr;
         auto vector = pb::adopt( pbVectorCreate() );
@@ -74,6 +84,7 @@ private:
     std::map<std::string, std::vector<std::string>> answers_;
     std::vector<std::string> asked_;
     bool held_ = false;
+    std::string notHeld_;
 };
 
 } // namespace support

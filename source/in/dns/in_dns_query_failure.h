@@ -13,7 +13,8 @@ struct pbString;
 #define IN_DNS_QUERY_FAILURE_NONE PB_INT_FROM( 0 )
 // The stack's options forbid queries of its kind.
 #define IN_DNS_QUERY_FAILURE_DISABLED PB_INT_FROM( 1 )
-// There is no such name (NXDOMAIN).
+// There is no such name (NXDOMAIN). Of addresses the system's resolver says so too when it asks for no such name, or when
+// it could use no answer; it does not tell these apart.
 #define IN_DNS_QUERY_FAILURE_NO_NAME PB_INT_FROM( 2 )
 // The name is there, but has nothing of what was asked for.
 #define IN_DNS_QUERY_FAILURE_NO_DATA PB_INT_FROM( 3 )

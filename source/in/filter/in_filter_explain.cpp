@@ -167,7 +167,7 @@ const char *whyNotFound( pbInt failure )
 {
     switch ( failure ) {
     case IN_DNS_QUERY_FAILURE_DISABLED: return "the stack's options forbid the look-up";
-    case IN_DNS_QUERY_FAILURE_NO_NAME: return "there is no such name";
+    case IN_DNS_QUERY_FAILURE_NO_NAME: return "the resolver knows no such name";
     case IN_DNS_QUERY_FAILURE_NO_DATA: return "the name has nothing of what was looked up";
     case IN_DNS_QUERY_FAILURE_NO_ANSWER: return "no name server gave an answer";
     case IN_DNS_QUERY_FAILURE_SERVER: return "the name server reported a failure";

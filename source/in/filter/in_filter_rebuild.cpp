@@ -23,6 +23,11 @@ using SrvQuery = pb::Ref<struct inDnsQuerySrv>;
 
 // More than any service names. A hostile answer of 64 KiB may name 2,600 targets, each of which would be a look-up.
 constexpr size_t mostTargets = 1000;
+// As many look-ups may stand still at once as there are name servers that do not answer, and they share their threads
+// with all others: those that an answer asks for must leave some to those that people ask for.
+constexpr pbInt mostTargetsAtOnce = 2;
+
+constexpr const char *noQuestion = "not a name that can be looked up";
 
 bool has( const struct inFilterEntry *entry, uint64_t flag )
 {
@@ -106,6 +111,8 @@ void FilterRebuild::askForHost( pbInt index, const struct inFilterEntry *entry, 
     const auto host = pb::adopt( inFilterEntryHost( entry ) );
     if ( !stack )
         note( index, host, "there is no stack to ask for it" );
+    else if ( !inDnsQueryNameOk( host.get() ) )
+        noteUnlessAddress( index, host, noQuestion );
     else
         askForAddresses( index, host, stack );
 }
@@ -119,7 +126,7 @@ void FilterRebuild::askForServices( pbInt index, const struct inFilterEntry *ent
     for ( pbInt i = 0; stack && i < prefixes; ++i ) {
         const auto service = pb::format( "%~s.%s", pb::adopt( inFilterEntryDnsSrvPrefixAt( entry, i ) ), host );
         if ( !inDnsQueryNameOk( service.get() ) ) {
-            note( index, service, "not a name that can be looked up" );
+            note( index, service, noQuestion );
             continue;
         }
         const auto boxed = pb::adopt( pbBoxedIntCreate( index ) );
@@ -132,8 +139,6 @@ void FilterRebuild::askForServices( pbInt index, const struct inFilterEntry *ent
 
 void FilterRebuild::askForAddresses( pbInt index, const pb::String &name, const Stack &stack )
 {
-    if ( !inDnsQueryNameOk( name.get() ) )
-        return noteUnlessAddress( index, name, "not a name that can be looked up" );
     const auto boxed = pb::adopt( pbBoxedIntCreate( index ) );
     const AddressesQuery query = pb::adopt( inDnsQueryAddressesCreate( stack.get(), name.get(), anchor().get() ) );
     pbDictSetObjKey( buildDnsQueryAddressesDict.address(), inDnsQueryAddressesObj( query.get() ),
@@ -143,11 +148,26 @@ void FilterRebuild::askForAddresses( pbInt index, const pb::String &name, const 
 
 void FilterRebuild::collect( const Stack &stack, Dropped &dropped )
 {
-    collectServices( stack, dropped ); // first, as the addresses of their targets may be known already
-    collectAddresses( dropped );
+    collectServices( dropped ); // first, as the addresses of their targets may be known already
+    do {
+        askForTargets( stack );
+        collectAddresses( dropped );
+    } while ( !buildTargets.empty() && pbDictLength( buildDnsQueryAddressesDict.get() ) < mostTargetsAtOnce );
 }
 
-void FilterRebuild::collectServices( const Stack &stack, Dropped &dropped )
+void FilterRebuild::askForTargets( const Stack &stack )
+{
+    while ( !buildTargets.empty() && pbDictLength( buildDnsQueryAddressesDict.get() ) < mostTargetsAtOnce ) {
+        const auto [index, name] = std::move( buildTargets.front() );
+        buildTargets.pop_front();
+        if ( stack )
+            askForAddresses( index, name, stack );
+        else
+            note( index, name, "there is no stack to ask for it" );
+    }
+}
+
+void FilterRebuild::collectServices( Dropped &dropped )
 {
     for ( pbInt at = 0; at < pbDictLength( buildDnsQuerySrvDict.get() ); ) {
         const SrvQuery query = pb::adopt( inDnsQuerySrvFrom( pbDictKeyAt( buildDnsQuerySrvDict.get(), at ) ) );
@@ -155,13 +175,13 @@ void FilterRebuild::collectServices( const Stack &stack, Dropped &dropped )
             ++at;
             continue;
         }
-        takeServices( entryIndex( buildDnsQuerySrvDict, at ), query.get(), stack );
+        takeServices( entryIndex( buildDnsQuerySrvDict, at ), query.get() );
         dropped.push_back( pb::share( inDnsQuerySrvObj( query.get() ) ) );
         pbDictDelAt( buildDnsQuerySrvDict.address(), at );
     }
 }
 
-void FilterRebuild::takeServices( pbInt index, const struct inDnsQuerySrv *query, const Stack &stack )
+void FilterRebuild::takeServices( pbInt index, const struct inDnsQuerySrv *query )
 {
     const auto service = pb::adopt( inDnsQuerySrvService( query ) );
     if ( inDnsQuerySrvError( query ) )
@@ -180,10 +200,10 @@ void FilterRebuild::takeServices( pbInt index, const struct inDnsQuerySrv *query
                   " more are left out" );
     }
     for ( const pb::String &target : targets.names )
-        if ( stack )
-            askForAddresses( index, target, stack );
+        if ( inDnsQueryNameOk( target.get() ) )
+            buildTargets.emplace_back( index, target );
         else
-            note( index, target, "there is no stack to ask for it" );
+            note( index, target, noQuestion );
 }
 
 void FilterRebuild::collectAddresses( Dropped &dropped )
@@ -213,7 +233,8 @@ void FilterRebuild::takeAddresses( pbInt index, const struct inDnsQueryAddresses
 
 bool FilterRebuild::isPending() const
 {
-    return pbDictLength( buildDnsQueryAddressesDict.get() ) || pbDictLength( buildDnsQuerySrvDict.get() );
+    return pbDictLength( buildDnsQueryAddressesDict.get() ) || pbDictLength( buildDnsQuerySrvDict.get() ) ||
+           !buildTargets.empty();
 }
 
 // An address of another version than the entry's is left out.
@@ -273,6 +294,7 @@ void FilterRebuild::drop( Dropped &dropped )
     buildTrace.reset();
     buildAddressesVector.reset();
     buildMatchingBitsVector.reset();
+    buildTargets.clear();
     buildSources.clear();
     buildNotes.clear();
 }

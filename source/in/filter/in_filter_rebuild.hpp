@@ -6,6 +6,7 @@
 #include "in/filter/in_filter_list.hpp"
 #include "pb/pb_dict.h"
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -54,9 +55,10 @@ private:
     void askForServices( pbInt index, const struct inFilterEntry *entry, const Stack &stack );
 
     void askForAddresses( pbInt index, const pb::String &name, const Stack &stack );
-    void collectServices( const Stack &stack, Dropped &dropped );
+    void collectServices( Dropped &dropped );
+    void askForTargets( const Stack &stack );
     void collectAddresses( Dropped &dropped );
-    void takeServices( pbInt index, const struct inDnsQuerySrv *query, const Stack &stack );
+    void takeServices( pbInt index, const struct inDnsQuerySrv *query );
     void takeAddresses( pbInt index, const struct inDnsQueryAddresses *query );
     void append( pbInt index, const struct inFilterEntry *entry, const struct inAddress *address,
                  const pb::String &name );
@@ -76,6 +78,7 @@ private:
     pb::Ref<struct pbVector> buildMatchingBitsVector;
     Dict buildDnsQueryAddressesDict;
     Dict buildDnsQuerySrvDict;
+    std::deque<std::pair<pbInt, pb::String>> buildTargets; // of services, not asked for yet, with the places of entries
     std::vector<FilterFindings::Source> buildSources;
     std::vector<FilterFindings::Note> buildNotes;
 };

@@ -105,11 +105,15 @@ constexpr pbInt longestName = 253;
 
 using Bytes = std::unique_ptr<char, decltype( &pbBytesZFree )>;
 
-// A final full stop keeps the resolver from trying the name below the host's own domains.
-Bytes absolute( pb::String asciiName )
+// A final full stop keeps the resolver from trying the name below the host's own domains; a backslash would begin an
+// escape (RFC 1035, 5.1).
+Bytes absolute( const pb::String &asciiName )
 {
-    pbStringAppendChar( asciiName.address(), PB_CHAR_FULL_STOP );
-    Bytes nodename( pbStringTryConvertToBytesZ( asciiName.get() ), pbBytesZFree );
+    std::string text;
+    for ( const char c : pb::utf8( asciiName ) )
+        text.append( c == '\\' ? 2 : 1, c );
+    const auto name = pb::string( text + '.' );
+    Bytes nodename( pbStringTryConvertToBytesZ( name.get() ), pbBytesZFree );
     PB_ASSERT( nodename );
     return nodename;
 }
