@@ -3,7 +3,9 @@
 // edited into the text of A it does, too.
 #include "cs/cs_configuration.h"
 #include "cs/cs_json.h"
+#include "cs/cs_json_internal.h"
 #include "cs/cs_json_patch_internal.h"
+#include "cs/cs_update_internal.h"
 #include "cs/test_sort.hpp"
 #include "pb/pb_vector.h"
 
@@ -53,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput( const uint8_t *data, size_t size )
         require( !allCreated || changeCount( a, b ) == 0 );
         const auto tree = pb::adopt( csConfigurationTree( a.get() ) );
         require( tree == pb::adopt( csConfigurationTree( b.get() ) ) );
-        const std::string written = pb::utf8( pb::adopt( csJsonFromStore( tree.get(), CS_JSON_PRETTY ) ) );
+        const std::string written = pb::utf8( cs::jsonFromObjects( tree.get(), CS_JSON_PRETTY, cs::TreeObjectLevels ) );
         const Configuration again = parse( written );
         require( again && pb::adopt( csConfigurationTree( again.get() ) ) == tree );
         require( cs::storeFromJsonText( cs::editedText( textA, cs::jsonEdits( textA, tree ) ) ) == tree );

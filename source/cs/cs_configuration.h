@@ -73,7 +73,8 @@ PB_API pbBool csConfigurationTryReload( struct csConfiguration *configuration, c
                                         struct pbVector **problems, struct pbVector **optionalChanges );
 
 // The whole stored tree as it is now: "objects" with the configuration of every record, what was set at run time
-// included, and "modules" with versions and information (see above).
+// included, and "modules" with versions and information (see above). csJsonFromStore takes objects that are named "0",
+// "1", ... for an array: a text that is to be loaded again is written by csConfigurationTrySave.
 PB_API struct pbStore *csConfigurationTree( struct csConfiguration *configuration );
 // Writes that tree to the file, which at any moment holds the old or the new text whole: a temporary file beside it
 // (".NAME.cs-save-XXXXXX"; leftovers of killed processes are swept up by the next save), synced and renamed. A symbolic

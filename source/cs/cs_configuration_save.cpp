@@ -1,6 +1,7 @@
 // The stored tree of a configuration as it is now, and its way back into a file.
 #include "cs/cs_configuration_imp_internal.h"
 #include "cs/cs_json.h"
+#include "cs/cs_json_internal.h"
 #include "cs/cs_json_patch_internal.h"
 #include "cs/cs_saved_file_internal.h"
 #include "cs/cs_sort_backend_internal.h"
@@ -164,7 +165,7 @@ bool isBehind( const Store &recorded, const Store &modules )
 
 std::string wholeText( const Store &tree )
 {
-    return pb::utf8( pb::adopt( csJsonFromStore( tree.get(), CS_JSON_PRETTY ) ) ) + "\n";
+    return pb::utf8( cs::jsonFromObjects( tree.get(), CS_JSON_PRETTY, cs::TreeObjectLevels ) ) + "\n";
 }
 
 // Empty: nothing to be written.

@@ -30,8 +30,16 @@ bool isPlainInteger( std::u32string_view text )
 
 class Writer {
 public:
-    explicit Writer( bool pretty ) : pretty_( pretty ) {}
+    Writer( bool pretty, size_t objectLevels ) : pretty_( pretty ), objectLevels_( objectLevels ) {}
 
+    pb::String write( const struct pbStore *store, Keys keys )
+    {
+        writeStore( store, isNumbered( store ), keys );
+        return pb::adopt( pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text_.data() ),
+                                                   static_cast<pbInt>( text_.size() ) ) );
+    }
+
+private:
     void writeStore( const struct pbStore *store, bool asArray, Keys keys )
     {
         const pbInt length = pbStoreLength( store );
@@ -53,17 +61,12 @@ public:
             newLine();
         text_ += asArray ? U']' : U'}';
     }
-    pb::String text() const
-    {
-        return pb::adopt( pbStringCreateFromChars( reinterpret_cast<const pbChar *>( text_.data() ),
-                                                   static_cast<pbInt>( text_.size() ) ) );
-    }
-
-private:
+    // depth_ is the level of what is about to be written.
+    bool isNumbered( const struct pbStore *store ) const { return depth_ >= objectLevels_ && isArray( store ); }
     void writeMember( const struct pbStore *store, pbInt index, const struct csKey *optionalKey )
     {
         if ( const auto sub = pb::adopt( pbStoreStoreAt( store, index ) ) ) {
-            const bool numbered = isArray( sub.get() );
+            const bool numbered = isNumbered( sub.get() );
             const bool known =
                 optionalKey && ( optionalKey->kind == CS_KEY_STORE || optionalKey->kind == CS_KEY_ARRAY );
             // A table that does not fit the store must not make it come back as another.
@@ -114,6 +117,7 @@ private:
     }
 
     const bool pretty_;
+    const size_t objectLevels_;
     size_t depth_ = 0;
     std::u32string text_;
 };
@@ -146,6 +150,11 @@ bool isArray( const struct pbStore *store )
     return length > 0;
 }
 
+pb::String jsonFromObjects( const struct pbStore *store, pbInt style, size_t objectLevels )
+{
+    return Writer( style == CS_JSON_PRETTY, objectLevels ).write( store, {} );
+}
+
 } // namespace cs
 
 extern "C" struct pbString *csJsonFromStoreWithKeys( const struct pbStore *store, pbInt style, const struct csKey *keys,
@@ -155,9 +164,7 @@ extern "C" struct pbString *csJsonFromStoreWithKeys( const struct pbStore *store
     PB_ASSERT( style == CS_JSON_SHORT || style == CS_JSON_PRETTY );
     PB_ASSERT( keyCount >= 0 );
     PB_ASSERT( keys || keyCount == 0 );
-    cs::Writer writer( style == CS_JSON_PRETTY );
-    writer.writeStore( store, cs::isArray( store ), { keys, static_cast<size_t>( keyCount ) } );
-    return writer.text().release();
+    return cs::Writer( style == CS_JSON_PRETTY, 0 ).write( store, { keys, static_cast<size_t>( keyCount ) } ).release();
 }
 
 extern "C" struct pbString *csJsonFromStore( const struct pbStore *store, pbInt style )

@@ -5,6 +5,7 @@
 #include "cs/cs_json_internal.h"
 #include "cs/cs_json_reader_internal.h"
 #include "cs/cs_key.h"
+#include "cs/cs_update_internal.h"
 #include "pb/pb_store.h"
 #include "pb/pb_string.hpp"
 
@@ -26,12 +27,13 @@ class Patch {
 public:
     explicit Patch( std::string_view text ) : text_( text ), lines_( text ) {}
 
-    void value( const JsonValue &written, const Store &wanted )
+    // level: of the value in the tree, from 0.
+    void value( const JsonValue &written, const Store &wanted, size_t level )
     {
         if ( storeFromJson( written ) == wanted )
             return;
-        if ( written.kind != JsonValue::Kind::Object || isArray( wanted.get() ) || !keepsKey( written, wanted ) )
-            return edit( written.offset, written.end, valueText( wanted, written ) );
+        if ( written.kind != JsonValue::Kind::Object || !keepsKey( written, wanted ) )
+            return edit( written.offset, written.end, valueText( wanted, written, level ) );
         std::unordered_set<std::string> keys;
         size_t lastKept = 0;
         for ( size_t i = 0; i < written.members.size(); ++i ) {
@@ -43,9 +45,9 @@ public:
         for ( pbInt i = 0; i < pbStoreLength( wanted.get() ); ++i )
             if ( const auto key = pb::adopt( pbStoreKeyAt( wanted.get(), i ) ); !keys.contains( pb::utf8( key ) ) )
                 copy( added, key, wanted );
-        members( written, wanted, lastKept, pbStoreLength( added.get() ) > 0 );
+        members( written, wanted, lastKept, pbStoreLength( added.get() ) > 0, level );
         if ( pbStoreLength( added.get() ) > 0 )
-            add( written, added );
+            add( written, added, level );
     }
     std::vector<TextEdit> takeEdits() { return std::move( edits_ ); }
 
@@ -74,7 +76,7 @@ private:
 
     // Changes those that stay and takes out the others, each with one comma; the one behind the last that stays serves
     // what is added.
-    void members( const JsonValue &written, const Store &wanted, size_t lastKept, bool moreFollows )
+    void members( const JsonValue &written, const Store &wanted, size_t lastKept, bool moreFollows, size_t level )
     {
         const size_t count = written.members.size();
         for ( size_t i = 0; i < count; ++i ) {
@@ -83,7 +85,7 @@ private:
                 takeOut( each, i + 1 < count );
                 continue;
             }
-            member( each.value, wanted, each.key );
+            member( each.value, wanted, each.key, level + 1 );
             if ( i == lastKept && i + 1 < count && !moreFollows ) {
                 const size_t comma = commaBehind( each );
                 edit( comma, comma + 1, "" );
@@ -125,17 +127,17 @@ private:
         return at;
     }
 
-    void member( const JsonValue &written, const Store &parent, const std::string &keyText )
+    void member( const JsonValue &written, const Store &parent, const std::string &keyText, size_t level )
     {
         const auto key = pb::string( keyText );
         const Store store = pb::adopt( pbStoreStore( parent.get(), key.get() ) );
         if ( store && written.isContainer() )
-            return value( written, store );
+            return value( written, store, level );
         const auto text = pb::adopt( pbStoreValue( parent.get(), key.get() ) );
         if ( text && !written.isContainer() && pb::utf8( text ) == written.text )
             return;
         if ( store )
-            return edit( written.offset, written.end, valueText( store, written ) );
+            return edit( written.offset, written.end, valueText( store, written, level ) );
         // A string stays one, so that what looks like a number is not taken for one by other readers.
         auto one = pb::adopt( pbStoreCreate() );
         pbStoreSetValueCstr( one.address(), "", 0, text.get() );
@@ -147,7 +149,7 @@ private:
     }
 
     // Behind the last member and the comments after it, on lines of their own when the object stands on several.
-    void add( const JsonValue &written, const Store &added )
+    void add( const JsonValue &written, const Store &added, size_t level )
     {
         const JsonMember &last = written.members.back();
         size_t end = written.end - 1;
@@ -158,20 +160,27 @@ private:
         const bool lines = hasLines( written );
         // {"a": 1, ...} without its braces; the layout indents members by two blanks more than the object.
         const std::string indent = indentAt( last.keyOffset );
+        const size_t objects = std::max<size_t>( 1, objectLevels( level ) );
         const std::string json =
-            lines ? jsonText( added, CS_JSON_PRETTY, indent.substr( std::min<size_t>( 2, indent.size() ) ) )
-                  : jsonText( added, CS_JSON_SHORT, "" );
+            lines ? jsonText( added, CS_JSON_PRETTY, indent.substr( std::min<size_t>( 2, indent.size() ) ), objects )
+                  : jsonText( added, CS_JSON_SHORT, "", objects );
         const std::string members = json.substr( 1, ( lines ? json.rfind( '\n' ) : json.size() - 1 ) - 1 );
         edit( end, end, lines ? members : " " + members );
     }
 
-    std::string valueText( const Store &store, const JsonValue &replaced ) const
+    std::string valueText( const Store &store, const JsonValue &replaced, size_t level ) const
     {
-        return jsonText( store, hasLines( replaced ) ? CS_JSON_PRETTY : CS_JSON_SHORT, indentAt( replaced.offset ) );
+        const bool wasArray = replaced.kind == JsonValue::Kind::Array;
+        if ( wasArray && pbStoreLength( store.get() ) == 0 )
+            return "[]";
+        return jsonText( store, hasLines( replaced ) ? CS_JSON_PRETTY : CS_JSON_SHORT, indentAt( replaced.offset ),
+                         wasArray ? 0 : objectLevels( level ) );
     }
-    static std::string jsonText( const Store &store, pbInt style, const std::string &indent )
+    // How many levels of the tree, from this one down, are objects.
+    static size_t objectLevels( size_t level ) { return TreeObjectLevels - std::min( level, TreeObjectLevels ); }
+    static std::string jsonText( const Store &store, pbInt style, const std::string &indent, size_t objectLevels )
     {
-        const std::string json = pb::utf8( pb::adopt( csJsonFromStore( store.get(), style ) ) );
+        const std::string json = pb::utf8( jsonFromObjects( store.get(), style, objectLevels ) );
         std::string result;
         for ( const char c : json ) // a string holds no line end
             result += c == '\n' ? "\n" + indent : std::string( 1, c );
@@ -200,12 +209,12 @@ std::vector<TextEdit> jsonEdits( std::string_view text, const pb::Ref<struct pbS
     JsonValue root;
     (void)readJson( text, root ); // was accepted before
     Patch patch( text );
-    patch.value( root, wanted );
+    patch.value( root, wanted, 0 );
     std::vector<TextEdit> edits = patch.takeEdits();
     // What replaces a person's text is looked at twice.
     if ( storeFromJsonText( editedText( text, edits ) ) == wanted )
         return edits;
-    return { { 0, text.size(), pb::utf8( pb::adopt( csJsonFromStore( wanted.get(), CS_JSON_PRETTY ) ) ) + "\n" } };
+    return { { 0, text.size(), pb::utf8( jsonFromObjects( wanted.get(), CS_JSON_PRETTY, TreeObjectLevels ) ) + "\n" } };
 }
 
 pb::Ref<struct pbStore> storeFromJsonText( std::string_view text )

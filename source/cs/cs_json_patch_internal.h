@@ -12,7 +12,8 @@ struct pbStore;
 
 namespace cs {
 
-// The edits that make the text, which readJson has accepted and whose top is an object, say what the store holds.
+// The edits that make the text, which readJson has accepted and whose top is an object, say what the store holds, which
+// is a stored tree.
 // Values that differ are replaced, keys that are gone taken out and new ones added behind the others of their object, in
 // its layout; comments and order stay. An array that changes, an object that keeps no key and one that becomes something
 // else are written anew.

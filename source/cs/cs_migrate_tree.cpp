@@ -11,7 +11,8 @@
 namespace cs {
 namespace {
 
-void writeBack( JsonValue &value, const pb::Ref<struct pbStore> &wanted );
+// level: of the value in the tree, from 0.
+void writeBack( JsonValue &value, const pb::Ref<struct pbStore> &wanted, size_t level );
 
 void writeBack( JsonValue &value, const pb::String &wanted )
 {
@@ -21,15 +22,25 @@ void writeBack( JsonValue &value, const pb::String &wanted )
     value = { .kind = JsonValue::Kind::String, .offset = value.offset, .complete = true, .text = text, .members = {} };
 }
 
-void writeBack( JsonMember &member, const struct pbStore *parent, pbInt index )
+void writeBack( JsonMember &member, const struct pbStore *parent, pbInt index, size_t level )
 {
     if ( const auto store = pb::adopt( pbStoreStoreAt( parent, index ) ) )
-        writeBack( member.value, store );
+        writeBack( member.value, store, level );
     else
         writeBack( member.value, pb::adopt( pbStoreValueAt( parent, index ) ) );
 }
 
-void writeBack( JsonValue &value, const pb::Ref<struct pbStore> &wanted )
+// Of a container that holds what stays of it. An array where the tree has objects stays one, to be told.
+JsonValue::Kind kindOf( const JsonValue &value, const struct pbStore *wanted, size_t level )
+{
+    const bool wasArray = value.kind == JsonValue::Kind::Array;
+    if ( !wasArray && ( level < TreeObjectLevels || !value.members.empty() ) )
+        return JsonValue::Kind::Object;
+    return isArray( wanted ) || ( wasArray && pbStoreLength( wanted ) == 0 ) ? JsonValue::Kind::Array
+                                                                            : JsonValue::Kind::Object;
+}
+
+void writeBack( JsonValue &value, const pb::Ref<struct pbStore> &wanted, size_t level )
 {
     if ( value.isContainer() && storeFromJson( value ) == wanted )
         return;
@@ -41,6 +52,7 @@ void writeBack( JsonValue &value, const pb::Ref<struct pbStore> &wanted )
         return !member.duplicate && !pb::adopt( pbStoreStore( wanted.get(), key.get() ) ) &&
                !pb::adopt( pbStoreValue( wanted.get(), key.get() ) );
     } );
+    value.kind = kindOf( value, wanted.get(), level );
     std::unordered_map<std::string, size_t> places; // of members by key
     for ( size_t i = 0; i < value.members.size(); ++i )
         if ( value.members[i].usable() )
@@ -52,11 +64,8 @@ void writeBack( JsonValue &value, const pb::Ref<struct pbStore> &wanted )
             const JsonValue none{ .offset = value.offset, .complete = true, .members = {} };
             value.members.push_back( { .key = key, .keyOffset = value.offset, .value = none } );
         }
-        writeBack( value.members[place->second], wanted.get(), i );
+        writeBack( value.members[place->second], wanted.get(), i, level + 1 );
     }
-    value.kind = isArray( wanted.get() ) || ( value.kind == JsonValue::Kind::Array && value.members.empty() )
-                     ? JsonValue::Kind::Array
-                     : JsonValue::Kind::Object;
 }
 
 } // namespace
@@ -67,7 +76,7 @@ void migrate( JsonValue &root )
         return;
     auto update = pb::adopt( csUpdateCreate( storeFromJson( root ).get() ) );
     csUpdateBackendsRun( update.address() );
-    writeBack( root, pb::adopt( csUpdateCurrent( update.get() ) ) );
+    writeBack( root, pb::adopt( csUpdateCurrent( update.get() ) ), 0 );
 }
 
 } // namespace cs

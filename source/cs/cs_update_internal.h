@@ -6,6 +6,7 @@
 #include "pb/pb_store.h"
 #include "pb/pb_string.hpp"
 
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,9 @@ namespace cs {
 // The keys of the stored tree.
 constexpr const char *TreeObjects = "objects", *TreeSort = "sort", *TreeConfig = "config";
 constexpr const char *TreeModules = "modules", *TreeVersion = "version", *TreeInfo = "info";
+// The tree, its two parts, what is named in these, and its configuration or information are objects, whatever the names
+// in them: a record may be called "0". What stands deeper is an object or an array.
+constexpr size_t TreeObjectLevels = 4;
 
 // The store of the key, or an empty one.
 inline pb::Ref<struct pbStore> storeOrEmpty( const pb::Ref<struct pbStore> &parent, const struct pbString *key )

@@ -165,6 +165,19 @@ TEST_F( CsSave, ThePersonsTextStaysButForWhatChanged )
     EXPECT_EQ( statusOf( other ).st_ino, otherInode );
 }
 
+TEST_F( CsSave, RecordsNamedByNumbersAreReadAgain )
+{
+    write( path, R"({"objects": {"0": {"sort": "CS_CONDITION"}, "1": {"sort": "TEST_PHONE"}}})" );
+    const Configuration configuration = loaded();
+    csConditionSetValue( condition( configuration, "0" ).get(), true );
+    EXPECT_EQ( save( configuration, directory / "state.json" ), "" );
+    EXPECT_EQ( save( configuration, path ), "" );
+    const auto tree = pb::adopt( csConfigurationTree( configuration.get() ) );
+    EXPECT_TRUE( tree == pb::adopt( csConfigurationTree( loaded().get() ) ) );
+    fs::rename( directory / "state.json", path );
+    EXPECT_TRUE( tree == pb::adopt( csConfigurationTree( loaded().get() ) ) );
+}
+
 TEST_F( CsSave, SweepsUpWhatKilledProcessesLeft )
 {
     const Configuration configuration = loaded();

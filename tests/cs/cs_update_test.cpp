@@ -139,6 +139,12 @@ TEST( CsUpdate, AMigratedFileIsCheckedAtItsPlacesAndSavedInTheNewForm )
                               path + ":1:73: error: modules.cs: not an object, expected an object of \"version\" and "
                                      "\"info\"" ) );
 
+    // Names of digits make an array of no object, and an array is none.
+    EXPECT_THAT( load( R"({ "objects": { "0": { "sort": "TEST_PHONE", "config": { "name": "1" } } } })" ).second,
+                 IsEmpty() );
+    EXPECT_THAT( load( R"({ "objects": [ { "sort": "TEST_PHONE", "config": { "name": "1" } } ] })" ).second,
+                 ElementsAre( path + ":1:14: error: objects: not an object, expected an object of named objects" ) );
+
     const auto [configuration, none] = load( R"({ "objects": { // phones
   "a": { "sort": "TEST_PHONE", "config": { "name": "1" } }
 }, "modules": { "test": { "version": "0.9", "info": { "old": 1 } }, "gone": { "version": "3.1" } } })" );

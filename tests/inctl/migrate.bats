@@ -79,6 +79,26 @@ END
     expect_json 0 '.[0] | (.changed or .written | not) and .updates == []' migrate "$file" --write --json
 }
 
+@test "migrate: records named by numbers stay records" {
+    local more file="$BATS_TEST_TMPDIR/old.json" new="$BATS_TEST_TMPDIR/new.json"
+    local flags=', "flags": "IN_FILTER_ENTRY_FLAG_ADDRESS|IN_FILTER_ENTRY_FLAG_DNS_QUERY_ADDRESSES"'
+    written() {
+        printf '{"objects": { // by numbers\n  "0": {"sort": "IN_FILTER", "config": {"entries": [{"host": "::1"%s}]}}%s\n}%s}\n' \
+            "$1" "$more" "$2"
+    }
+    for more in '' ', // two
+  "1": {"sort": "IN_STACK"}'; do
+        written '' ', "modules": {}' >"$file"
+        written "$flags" ', "modules": {"in": {"version": "13.0"}}' >"$new"
+        expect 0 'old.json: good' check "$file"
+        "$INCTL" migrate "$file" 2>/dev/null | cmp - "$new"
+        expect 0 'brought up to date$' migrate "$file" --write
+        cmp "$file" "$new"
+        expect 0 'old.json: good' check "$file"
+        expect 0 ' 0 +IN_FILTER ' run "$file" --for 0
+    done
+}
+
 @test "migrate: what it refuses" {
     local row file="$BATS_TEST_TMPDIR/bad.json"
     for row in '{"objects": {}, "objects": {}}|:1:17: error: objects: the key stands twice' \
