@@ -71,10 +71,17 @@ extern "C" pbInt csDiagnosisOrigin( const struct csDiagnosis *diagnosis )
     return CS_DIAGNOSIS_OF_TEXT;
 }
 
+extern "C" pbInt csDiagnosisCount( const struct csDiagnosis *diagnosis )
+{
+    PB_ASSERT( diagnosis );
+    return static_cast<pbInt>( diagnosis->diagnosis.count );
+}
+
 extern "C" struct pbStore *csDiagnosisStore( const struct csDiagnosis *diagnosis )
 {
     PB_ASSERT( diagnosis );
-    const auto &[severity, subject, finding] = diagnosis->diagnosis;
+    const cs::Subject &subject = diagnosis->diagnosis.subject;
+    const cs::Finding &finding = diagnosis->diagnosis.finding;
     auto store = pb::adopt( pbStoreCreate() );
     const auto set = [&]( const char *key, const std::string &text ) {
         if ( !text.empty() )
@@ -83,7 +90,7 @@ extern "C" struct pbStore *csDiagnosisStore( const struct csDiagnosis *diagnosis
     set( "file", diagnosis->file );
     pbStoreSetValueIntCstr( store.address(), "line", -1, static_cast<pbInt>( diagnosis->line ) );
     pbStoreSetValueIntCstr( store.address(), "column", -1, static_cast<pbInt>( diagnosis->column ) );
-    set( "severity", severity == cs::Severity::Error ? "error" : "warning" );
+    set( "severity", diagnosis->diagnosis.severity == cs::Severity::Error ? "error" : "warning" );
     set( "record", subject.record );
     set( "key", subject.key );
     set( "what", finding.what );

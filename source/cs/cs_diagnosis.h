@@ -31,6 +31,8 @@ PB_API pbBool csDiagnosisEquals( const struct csDiagnosis *a, const struct csDia
 PB_API pbInt csDiagnosisSeverity( const struct csDiagnosis *diagnosis );
 // CS_DIAGNOSIS_OF_TEXT and its kin.
 PB_API pbInt csDiagnosisOrigin( const struct csDiagnosis *diagnosis );
+// How many problems it stands for: 1, but the last of each severity may stand for those that are not told (see below).
+PB_API pbInt csDiagnosisCount( const struct csDiagnosis *diagnosis );
 // "file", "line", "column" (from 1, columns in code points), "severity" ("error" or "warning"), "record", "key" (the
 // way to it, such as "udpOptions.portRange"), "what", "expected", "nearest" (the known name that was probably meant). A
 // text that there is none of is left out.
@@ -38,7 +40,8 @@ PB_API struct pbStore *csDiagnosisStore( const struct csDiagnosis *diagnosis );
 
 // Everything to be said about a file, in its order, as a vector of struct csDiagnosis; nothing is started. The file is
 // what csConfigurationTryLoad accepts exactly when no error is among it. Warnings that depend on this host are given
-// only when online. Limits and needs are those of csConfigurationTryLoad; 1,000 errors and 1,000 warnings are told.
+// only when online. Limits and needs are those of csConfigurationTryLoad; 1,000 errors and 1,000 warnings are told,
+// and behind them how many more there are.
 PB_API struct pbVector *csDiagnoseFile( const struct pbString *path, pbBool online );
 // The same from memory; name stands for the file.
 PB_API struct pbVector *csDiagnoseText( const void *bytes, pbInt byteCount, const struct pbString *name,

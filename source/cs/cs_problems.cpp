@@ -88,7 +88,8 @@ void Problems::tell( std::string_view bytes,
     for ( const Severity severity : { Severity::Error, Severity::Warning } )
         if ( const size_t count = counts_[static_cast<size_t>( severity )]; count > Maximum )
             listener( place.line(), place.column(),
-                      { severity, {}, { std::to_string( count - Maximum ) + " more problems, not told" } } );
+                      { severity, {}, { std::to_string( count - Maximum ) + " more problems, not told" },
+                        count - Maximum } );
 }
 
 pb::Ref<struct pbVector> Problems::messages( std::string_view file, std::string_view bytes ) const

@@ -46,6 +46,7 @@ struct Diagnosis {
     Severity severity;
     Subject subject;
     Finding finding;
+    size_t count = 1; // of problems: all that are not told share one diagnosis
 };
 
 class Problems {

@@ -44,7 +44,7 @@ Exit checkFile( Output &output, const CheckOptions &options )
     for ( const auto &diagnosis :
           items( pb::adopt( csDiagnoseFile( pathOf( options.file ).get(), options.online ) ), csDiagnosisFrom ) ) {
         const bool isError = csDiagnosisSeverity( diagnosis.get() ) == CS_DIAGNOSIS_ERROR;
-        ++( isError ? errors : warnings );
+        ( isError ? errors : warnings ) += static_cast<size_t>( csDiagnosisCount( diagnosis.get() ) );
         if ( isError )
             worst = exitOf( csDiagnosisOrigin( diagnosis.get() ) );
         output.line( output.paint( isError ? Paint::Bad : Paint::Plain,

@@ -19,6 +19,11 @@ configuration() {
         "column": 51, "severity": "error", "record": "a", "key": "adress", "what": "unknown key",
         "expected": "one of flags, interface, network, addressVersion, address, dnsOptions, tcpOptions, udpOptions",
         "nearest": "address"}' check "$file" --json
+    # More than are told are counted all the same.
+    configuration "{\"objects\": {$(seq -s, -f '"r%.0f": {"sort": "IN_STACK", "config": {"x": 1, "dnsOptions":
+        {"negativeCacheTimeout": 1}}}' 1500)}}"
+    [ "$("$INCTL" check "$file" | tail -n 1)" = "$file: bad, 1500 errors and 1500 warnings" ]
+    expect_json 3 '.[0] | .errors == 1500 and .warnings == 1500 and (.diagnoses | length) == 2002' check "$file" --json
     expect 3 'none.json:1:1: error: cannot be read \(No such file' check "$BATS_TEST_TMPDIR/none.json"
     printf '{}' >"$BATS_TEST_TMPDIR/"$'caf\xe9.json'
     local command
