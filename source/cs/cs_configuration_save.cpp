@@ -9,6 +9,9 @@
 #include "cs/cs_update_internal.h"
 #include "pb/pb_module_version.h"
 
+#include <cerrno>
+#include <system_error>
+
 namespace {
 
 using Store = pb::Ref<struct pbStore>;
@@ -215,6 +218,8 @@ pb::Ref<struct pbStore> csConfiguration::tree()
 std::string csConfiguration::trySave( const struct pbString *path )
 {
     const std::string pathText = pb::utf8( path );
+    if ( pathText.find( '\0' ) != pathText.npos ) // no path: the system would take what stands before it for one
+        return "not saved: finding the file: " + std::system_category().message( EINVAL );
     const cs::TurnTaken taken( turn );
     const cs::Loaded was = current();
     cs::LiveRecords now = recordsNow( was.records );

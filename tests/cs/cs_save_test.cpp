@@ -229,6 +229,8 @@ TEST_F( CsSave, WhatCannotBeSavedIsToldAndTheOldFileStays )
         { "not saved: not a regular file: Invalid argument", false, [] { return true; }, directory },
         { "not saved: finding the file: No such file or directory", false, [] { return true; },
           directory / "dangling" },
+        { "not saved: finding the file: Invalid argument", false, [] { return true; },
+          path.string() + std::string( "\0b", 2 ) },
     };
     fs::create_symlink( "nowhere", directory / "dangling" );
     for ( const Row &row : table ) {
