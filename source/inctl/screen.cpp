@@ -22,7 +22,8 @@ std::atomic<bool> entered = false;
 static_assert( std::atomic<bool>::is_always_lock_free ); // a handler uses it
 
 // What ends the program without unwinding.
-constexpr int fatalSignals[] = { SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGQUIT, SIGSEGV, SIGSYS, SIGTRAP, SIGXCPU };
+constexpr int fatalSignals[] = { SIGABRT, SIGBUS,  SIGFPE,  SIGILL,  SIGIO,     SIGPROF, SIGPWR,  SIGQUIT, SIGSEGV,
+                                 SIGSTKFLT, SIGSYS, SIGTRAP, SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU, SIGXFSZ };
 std::array<struct sigaction, std::size( fatalSignals )> actionsBefore;
 
 extern "C" void inctlGiveTerminalBack()
@@ -45,8 +46,11 @@ void takeFatalSignals()
     struct sigaction action{};
     action.sa_handler = inctlFail;
     sigfillset( &action.sa_mask );
-    for ( size_t i = 0; i < std::size( fatalSignals ); ++i )
+    for ( size_t i = 0; i < std::size( fatalSignals ); ++i ) {
         (void)sigaction( fatalSignals[i], &action, &actionsBefore[i] );
+        if ( actionsBefore[i].sa_handler == SIG_IGN ) // as who started the program wants it
+            (void)sigaction( fatalSignals[i], &actionsBefore[i], nullptr );
+    }
 }
 
 void returnFatalSignals()
