@@ -100,7 +100,13 @@ void Screen::draw( const std::vector<std::string> &lines )
 void Screen::suspend()
 {
     leave();
-    (void)raise( SIGSTOP );
+    sigset_t stop;
+    sigemptyset( &stop );
+    sigaddset( &stop, SIGTSTP );
+    // Not SIGSTOP: the system knows where no shell could continue the program, and then drops SIGTSTP alone.
+    (void)pthread_sigmask( SIG_UNBLOCK, &stop, nullptr );
+    (void)raise( SIGTSTP );
+    (void)pthread_sigmask( SIG_BLOCK, &stop, nullptr );
     enter();
 }
 

@@ -29,7 +29,8 @@ public:
 
     // In place of what is shown. Lines that are too long are cut by the terminal.
     void draw( const std::vector<std::string> &lines );
-    // Gives the terminal to the shell until the program is continued.
+    // Gives the terminal to the shell until the program is continued; where no shell controls it, it goes on at once.
+    // With SIGTSTP blocked.
     void suspend();
 
 private:
