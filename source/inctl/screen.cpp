@@ -7,8 +7,11 @@
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
 #include <string_view>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace inctl {
@@ -18,18 +21,37 @@ namespace {
 constexpr std::string_view entering = "\033[?1049h\033[?25l\033[?7l";
 constexpr std::string_view leaving = "\033[?7h\033[?25h\033[?1049l";
 
+// Milliseconds for the terminal to take that.
+constexpr int patience = 1000;
+
 std::atomic<bool> entered = false;
 static_assert( std::atomic<bool>::is_always_lock_free ); // a handler uses it
 
 // What ends the program without unwinding.
-constexpr int fatalSignals[] = { SIGABRT, SIGBUS,  SIGFPE,  SIGILL,  SIGIO,     SIGPROF, SIGPWR,  SIGQUIT, SIGSEGV,
-                                 SIGSTKFLT, SIGSYS, SIGTRAP, SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU, SIGXFSZ };
+constexpr int fatalSignals[] = { SIGABRT, SIGBUS,    SIGFPE, SIGILL,  SIGIO,   SIGPROF, SIGPWR,    SIGQUIT, SIGSEGV,
+                                 SIGSYS,  SIGSTKFLT, SIGTRAP, SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU, SIGXFSZ };
 std::array<struct sigaction, std::size( fatalSignals )> actionsBefore;
 
+// In a handler, too. Past what the output says, which may have failed on this very terminal. A terminal that its user
+// has stopped (Ctrl-S) goes on; one that takes nothing all the same, as when its other side hangs, stays as it is.
 extern "C" void inctlGiveTerminalBack()
 {
-    if ( entered.exchange( false ) )
-        [[maybe_unused]] const ssize_t ignored = write( STDOUT_FILENO, leaving.data(), leaving.size() );
+    if ( !entered )
+        return;
+    // What has been stopped by a key is started by TCOON behind a TCOOFF only.
+    (void)tcflow( STDOUT_FILENO, TCOOFF );
+    (void)tcflow( STDOUT_FILENO, TCOON );
+    const int flags = fcntl( STDOUT_FILENO, F_GETFL );
+    (void)fcntl( STDOUT_FILENO, F_SETFL, flags | O_NONBLOCK );
+    pollfd terminal{ STDOUT_FILENO, POLLOUT, 0 };
+    for ( std::string_view rest = leaving; !rest.empty() && poll( &terminal, 1, patience ) > 0; ) {
+        const ssize_t count = write( STDOUT_FILENO, rest.data(), rest.size() );
+        if ( count <= 0 )
+            break;
+        rest.remove_prefix( static_cast<size_t>( count ) );
+    }
+    (void)fcntl( STDOUT_FILENO, F_SETFL, flags ); // others have the terminal open with the same flags
+    entered = false;                              // after: who is interrupted here leaves again, which does no harm
 }
 
 // What is wrong happens again, or is raised again, for who handled it before.
@@ -112,14 +134,13 @@ void Screen::suspend()
 
 void Screen::enter()
 {
-    entered = true; // before: leaving once too often does no harm
+    entered = true; // before
     output_.bytes( entering );
 }
 
 void Screen::leave()
 {
-    if ( entered.exchange( false ) )
-        output_.bytes( leaving );
+    inctlGiveTerminalBack();
 }
 
 } // namespace inctl
