@@ -19,6 +19,7 @@ ControlSignals::ControlSignals( bool forTerminal )
     if ( forTerminal ) {
         sigaddset( &taken, SIGWINCH );
         sigaddset( &taken, SIGTSTP );
+        sigaddset( &taken, SIGTTOU ); // what gives the terminal back in the background is not to stop the program
     }
     (void)pthread_sigmask( SIG_BLOCK, &taken, &before_ ); // fails for a wrong first argument only
     descriptor_.reset( signalfd( -1, &taken, SFD_CLOEXEC | SFD_NONBLOCK ) );

@@ -17,7 +17,7 @@ public:
         bool stop = false;   // SIGTSTP: the terminal's user wants his shell
     };
 
-    // Throws Failure when the system refuses a descriptor. forTerminal: SIGWINCH and SIGTSTP, too.
+    // Throws Failure when the system refuses a descriptor. forTerminal: SIGWINCH, SIGTSTP and SIGTTOU, too.
     explicit ControlSignals( bool forTerminal );
     ~ControlSignals();
     ControlSignals( const ControlSignals & ) = delete;

@@ -9,6 +9,9 @@ namespace {
 // Nobody reads faster, and a host whose states flap is not to spend its time on the terminal.
 constexpr std::chrono::milliseconds pause{ 100 };
 
+// No signal tells that the shell has brought what ran in the background to the front.
+constexpr std::chrono::milliseconds look{ 250 };
+
 } // namespace
 
 LiveTable::LiveTable( Output &output, const Configuration &configuration, const RunBoard &board )
@@ -69,6 +72,10 @@ void LiveTable::show()
 {
     if ( !next_ || Clock::now() < *next_ )
         return;
+    if ( !Screen::inFront() ) {
+        next_ = Clock::now() + look;
+        return;
+    }
     next_.reset();
     drawn_ = Clock::now();
     const Screen::Size size = Screen::size();

@@ -86,7 +86,14 @@ void returnFatalSignals()
 bool Screen::usable( const Output &output )
 {
     const char *terminal = std::getenv( "TERM" );
-    return !output.json() && isatty( STDOUT_FILENO ) && terminal && *terminal && std::string_view( terminal ) != "dumb";
+    return !output.json() && isatty( STDOUT_FILENO ) && terminal && *terminal &&
+           std::string_view( terminal ) != "dumb" && inFront();
+}
+
+bool Screen::inFront()
+{
+    const pid_t front = tcgetpgrp( STDOUT_FILENO );
+    return front < 0 || front == getpgrp(); // no shell shares out one that is not the session's, or that hung up
 }
 
 Screen::Size Screen::size()
@@ -112,6 +119,8 @@ Screen::~Screen()
 
 void Screen::draw( const std::vector<std::string> &lines )
 {
+    if ( !entered )
+        enter();
     // Cleared before it is written: behind a line that fills the width the cursor stands on its last character.
     std::string page = "\033[H";
     for ( size_t i = 0; i < lines.size(); ++i )
@@ -129,7 +138,6 @@ void Screen::suspend()
     (void)pthread_sigmask( SIG_UNBLOCK, &stop, nullptr );
     (void)raise( SIGTSTP );
     (void)pthread_sigmask( SIG_BLOCK, &stop, nullptr );
-    enter();
 }
 
 void Screen::enter()

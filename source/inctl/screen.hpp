@@ -16,8 +16,10 @@ public:
         size_t columns, rows;
     };
 
-    // Standard output is a terminal that obeys, and text is wanted.
+    // Standard output is a terminal that obeys, this is in front on it, and text is wanted.
     static bool usable( const Output &output );
+    // False in the background, where the terminal is the shell's.
+    static bool inFront();
     static Size size();
 
     // Turns to the terminal's other page. One at a time.
@@ -27,10 +29,10 @@ public:
     Screen( const Screen & ) = delete;
     Screen &operator=( const Screen & ) = delete;
 
-    // In place of what is shown. Lines that are too long are cut by the terminal.
+    // In front only: in place of what is shown. Lines that are too long are cut by the terminal.
     void draw( const std::vector<std::string> &lines );
     // Gives the terminal to the shell until the program is continued; where no shell controls it, it goes on at once.
-    // With SIGTSTP blocked.
+    // The next drawing takes it again. With SIGTSTP blocked.
     void suspend();
 
 private:
