@@ -43,6 +43,15 @@ void LiveTable::refused( const RunBoard::Refusal &refusal )
     touch();
 }
 
+void LiveTable::unwatched( const std::string &problem )
+{
+    const std::string text = watchText( configuration_.path(), problem );
+    if ( !isatty( STDERR_FILENO ) ) // else it is this very terminal
+        complain( "inctl: " + text + "\n" );
+    warning_ = problem.empty() ? "" : text;
+    touch();
+}
+
 void LiveTable::ending( std::chrono::milliseconds elapsed )
 {
     screen_.reset();
@@ -50,9 +59,9 @@ void LiveTable::ending( std::chrono::milliseconds elapsed )
     const auto states = board_.states();
     const RunBoard::Refusal refusal = board_.refusal();
     const size_t columns = Screen::size().columns;
-    for ( const PageLine &line : refusal.problems.empty()
+    for ( const PageLine &line : refusal.problems.empty() && warning_.empty()
                                      ? statesTable( *states, columns )
-                                     : statePage( *states, refusal, "", columns, std::string::npos ) )
+                                     : statePage( *states, refusal, warning_, "", columns, std::string::npos ) )
         output_.line( shown( line ) );
     output_.line( fmt::format( "{}  {}", timeOfDay(), last ) );
 }
@@ -80,7 +89,8 @@ void LiveTable::show()
     drawn_ = Clock::now();
     const Screen::Size size = Screen::size();
     std::vector<std::string> lines;
-    for ( const PageLine &line : statePage( *board_.states(), board_.refusal(), footer_, size.columns, size.rows ) )
+    for ( const PageLine &line : statePage( *board_.states(), board_.refusal(), warning_, footer_, size.columns,
+                                            size.rows ) )
         lines.push_back( shown( line ) );
     screen_->draw( lines );
 }

@@ -16,6 +16,7 @@ public:
     void states( const std::vector<ObjectState> &changes ) override;
     void reloaded( const std::vector<Configuration::Change> &changes ) override;
     void refused( const RunBoard::Refusal &refusal ) override;
+    void unwatched( const std::string &problem ) override;
     // Leaves the last table behind, on the page that was there before.
     void ending( std::chrono::milliseconds elapsed ) override;
 
@@ -32,7 +33,7 @@ private:
     const Configuration &configuration_;
     const RunBoard &board_;
     std::optional<Screen> screen_;
-    std::string footer_;
+    std::string warning_, footer_;
     std::optional<Clock::time_point> next_; // when to draw, while something is new
     Clock::time_point drawn_;
 };

@@ -1,6 +1,8 @@
 // RunLines: the events of a running host, a line or a record each.
 #include "inctl/run_lines.hpp"
 
+#include "inctl/state_page.hpp"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -56,6 +58,15 @@ void RunLines::refused( const RunBoard::Refusal &refusal )
                                           count( refusal.problems.size(), "problem" ) );
     output_.line( fmt::format( "{}  {}", timeOfDay(), output_.paint( Paint::Bad, what ) ) );
     output_.record( event( "refused", refusal.time ).set( "file", configuration_.path() ).set( "problems", problems ) );
+}
+
+void RunLines::unwatched( const std::string &problem )
+{
+    complain( "inctl: " + watchText( configuration_.path(), problem ) + "\n" );
+    Record record = event( problem.empty() ? "watched" : "unwatched" ).set( "file", configuration_.path() );
+    if ( !problem.empty() )
+        record.set( "reason", problem );
+    output_.record( record );
 }
 
 void RunLines::ending( std::chrono::milliseconds elapsed )

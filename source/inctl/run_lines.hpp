@@ -18,6 +18,7 @@ public:
     void reloaded( const std::vector<Configuration::Change> &changes ) override;
     // The problems go to standard error, as those of a file that is refused at the start.
     void refused( const RunBoard::Refusal &refusal ) override;
+    void unwatched( const std::string &problem ) override;
     void ending( std::chrono::milliseconds elapsed ) override;
 
 private:

@@ -2,6 +2,7 @@
 #include "inctl/run_loop.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace inctl {
 namespace {
@@ -21,9 +22,7 @@ RunLoop::RunLoop( const Parts &parts )
     parts_.waiter.add( parts_.signals.descriptor() );
     if ( parts_.file.descriptor() >= 0 )
         parts_.waiter.add( parts_.file.descriptor() );
-    if ( !parts_.file.problem().empty() )
-        complain( "inctl: changes of " + parts_.configuration.path() + " are not seen, SIGHUP re-loads it: " +
-                  parts_.file.problem() + "\n" );
+    tellWatch();
 }
 
 void RunLoop::run( std::optional<Clock::time_point> deadline )
@@ -98,7 +97,14 @@ void RunLoop::reload()
     else
         parts_.view.reloaded( reload.changes );
     showStates(); // with what is new, before it counts as done
+    tellWatch();
     manager_.ready();
+}
+
+void RunLoop::tellWatch()
+{
+    if ( std::exchange( watchProblem_, parts_.file.problem() ) != parts_.file.problem() )
+        parts_.view.unwatched( watchProblem_ );
 }
 
 } // namespace inctl

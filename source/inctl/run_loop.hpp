@@ -44,11 +44,13 @@ private:
     std::optional<Clock::time_point> nextTime( std::optional<Clock::time_point> deadline ) const;
     void takeEvents();
     void reload();
+    void tellWatch();
 
     const Parts parts_;
     StatusWatch watch_;
     ServiceManager manager_;
     Watchdog watchdog_;
+    std::string watchProblem_; // as last told
 };
 
 } // namespace inctl

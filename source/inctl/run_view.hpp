@@ -27,6 +27,8 @@ public:
     virtual void reloaded( const std::vector<Configuration::Change> &changes ) = 0;
     // A bad file was refused, as the board now says.
     virtual void refused( const RunBoard::Refusal &refusal ) = 0;
+    // Why changes of the file are not seen from now on; "": they are again.
+    virtual void unwatched( const std::string &problem ) = 0;
     virtual void ending( std::chrono::milliseconds elapsed ) = 0;
 
     // What a view on a terminal needs besides: the terminal's size has changed; its user wants it for a while.

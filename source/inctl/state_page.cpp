@@ -61,17 +61,10 @@ void addState( std::vector<PageLine> &lines, const Columns &columns, const Objec
         lines.push_back( { std::string( indent, ' ' ) + parts[next] } );
 }
 
-std::vector<PageLine> refusalLines( const RunBoard::Refusal &refusal, size_t columns )
+void addBad( std::vector<PageLine> &lines, const std::string &text, size_t columns )
 {
-    std::vector<PageLine> lines;
-    const auto add = [&]( const std::string &text ) {
-        for ( std::string &part : wrapped( text, columns ) )
-            lines.push_back( { std::move( part ), Paint::Bad } );
-    };
-    add( "The new file was refused; what ran before goes on:" );
-    for ( const std::string &problem : refusal.problems )
-        add( printable( problem ) );
-    return lines;
+    for ( std::string &part : wrapped( printable( text ), columns ) )
+        lines.push_back( { std::move( part ), Paint::Bad } );
 }
 
 // Cut to so many lines, the last of which says so.
@@ -109,6 +102,13 @@ std::vector<std::string> wrapped( const std::string &text, size_t columns )
     return lines;
 }
 
+std::string watchText( const std::string &file, const std::string &problem )
+{
+    if ( problem.empty() )
+        return fmt::format( "changes of {} are seen again", printable( file ) );
+    return fmt::format( "changes of {} are not seen, SIGHUP re-loads it: {}", printable( file ), problem );
+}
+
 std::vector<PageLine> statesTable( const std::vector<ObjectState> &states, size_t width )
 {
     const Columns columns = measured( states, width );
@@ -120,14 +120,17 @@ std::vector<PageLine> statesTable( const std::vector<ObjectState> &states, size_
 }
 
 std::vector<PageLine> statePage( const std::vector<ObjectState> &states, const RunBoard::Refusal &refusal,
-                                 const std::string &footer, size_t columns, size_t rows )
+                                 const std::string &warning, const std::string &footer, size_t columns, size_t rows )
 {
     std::vector<PageLine> below = { { "" } };
-    if ( refusal.problems.empty() )
+    if ( !warning.empty() )
+        addBad( below, warning, columns );
+    if ( refusal.problems.empty() && !footer.empty() )
         below.push_back( { footer, Paint::Faint } );
-    else
-        for ( PageLine &line : refusalLines( refusal, columns ) )
-            below.push_back( std::move( line ) );
+    if ( !refusal.problems.empty() )
+        addBad( below, "The new file was refused; what ran before goes on:", columns );
+    for ( const std::string &problem : refusal.problems )
+        addBad( below, problem, columns );
     cut( below, std::max<size_t>( rows / 2, 1 ), "... and more" );
 
     const size_t room = rows > below.size() ? rows - below.size() : 0;

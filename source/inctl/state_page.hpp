@@ -21,10 +21,13 @@ struct PageLine {
 // no room for them, the sort is left out, and then details stand under their objects.
 std::vector<PageLine> statesTable( const std::vector<ObjectState> &states, size_t columns );
 
-// The same with the refusal under it, in so many rows: what is not good comes first when not all fit, and the last line
-// tells how many are left out. footer is the last line, where there is no refusal to tell.
+// The same with warning and refusal under it, in so many rows: what is not good comes first when not all fit, and the
+// last line tells how many are left out. footer is the last line, where there is one and no refusal to tell.
 std::vector<PageLine> statePage( const std::vector<ObjectState> &states, const RunBoard::Refusal &refusal,
-                                 const std::string &footer, size_t columns, size_t rows );
+                                 const std::string &warning, const std::string &footer, size_t columns, size_t rows );
+
+// Whether changes of the file are seen, as a sentence; problem: why not, "": they are.
+std::string watchText( const std::string &file, const std::string &problem );
 
 // At blanks where there are any, each line at most so many code points; at least one line.
 std::vector<std::string> wrapped( const std::string &text, size_t columns );
