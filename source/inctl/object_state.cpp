@@ -66,7 +66,7 @@ ObjectState objectState( const Configuration::Object &object )
     ObjectState state{ .name = object.name, .sort = object.sort, .created = bool( object.object ) };
     if ( !object.object ) {
         state.state = "not created";
-        state.reason = "the system refused it; it is tried again with the next re-load";
+        state.reason = "not made yet; what the system refuses is tried again with the next re-load";
         return state;
     }
     if ( object.status ) {

@@ -94,7 +94,7 @@ load common
 @test "on a terminal a table is kept, and the terminal comes back on every end" {
     local file="$BATS_TEST_TMPDIR/file" host_process terminal
     log="$BATS_TEST_TMPDIR/log"
-    for signal in TERM ABRT HUP; do
+    for signal in TERM ABRT USR1 HUP; do
         printf '{"objects": {"nw": {"sort": "IN_NW_STACK", "config": {"interfaceIdentifier": "eth9"}}}}' >"$file"
         : >"$log"
         TERM=xterm script -qec "stty cols 70 rows 9; exec '$INCTL' run '$file'" /dev/null >>"$log" 2>&1 </dev/null 3>&- &
@@ -113,6 +113,7 @@ load common
             kill -KILL "$started" && wait "$started" || true
             timeout 60 tail --pid="$host_process" -f /dev/null
         else
+            [ "$signal" != TERM ] || kill -TSTP "$host_process" # no shell is there that could continue it
             kill "-$signal" "$host_process"
             timeout 60 tail --pid="$started" -f /dev/null
             tail -c 300 "$log" | grep -q $'\e\\[?1049l'
