@@ -32,7 +32,8 @@ public:
     {
         if ( storeFromJson( written ) == wanted )
             return;
-        if ( written.kind != JsonValue::Kind::Object || !keepsKey( written, wanted ) )
+        const bool isObject = written.kind == JsonValue::Kind::Object;
+        if ( isObject ? !keepsKey( written, wanted ) : !keepsEntries( written, wanted ) )
             return edit( written.offset, written.end, valueText( wanted, written, level ) );
         std::unordered_set<std::string> keys;
         size_t lastKept = 0;
@@ -72,6 +73,20 @@ private:
     {
         return std::any_of( written.members.begin(), written.members.end(),
                             [&]( const JsonMember &member ) { return isKept( member, wanted ); } );
+    }
+    // Each entry is what it was, or an object that changes: what a comment says of it still holds.
+    static bool keepsEntries( const JsonValue &written, const Store &wanted )
+    {
+        if ( !isArray( wanted.get() ) || pbStoreLength( wanted.get() ) != static_cast<pbInt>( written.members.size() ) )
+            return false;
+        return std::all_of( written.members.begin(), written.members.end(), [&]( const JsonMember &member ) {
+            const auto key = pb::string( member.key );
+            if ( const Store store = pb::adopt( pbStoreStore( wanted.get(), key.get() ) ) )
+                return member.value.isContainer() &&
+                       ( storeFromJson( member.value ) == store || keepsKey( member.value, store ) );
+            return !member.value.isContainer() &&
+                   member.value.text == pb::utf8( pb::adopt( pbStoreValue( wanted.get(), key.get() ) ) );
+        } );
     }
 
     // Changes those that stay and takes out the others, each with one comma; the one behind the last that stays serves

@@ -54,8 +54,11 @@ Store read( std::string_view text, cs::Problems &problems )
         findDuplicates( root, "", problems );
         const auto objects = std::find_if( root.members.begin(), root.members.end(),
                                            []( const auto &member ) { return member.key == cs::TreeObjects; } );
-        if ( objects == root.members.end() || objects->value.kind != cs::JsonValue::Kind::Object )
+        if ( objects == root.members.end() )
             problems.add( root.offset, {}, { "the key \"objects\" is missing", "{\"objects\": {...}}" } );
+        else if ( objects->value.kind != cs::JsonValue::Kind::Object )
+            problems.add( objects->value.offset, { "", cs::TreeObjects },
+                          { "not an object", "an object of named objects" } );
     }
     return problems.empty() ? cs::storeFromJson( root ) : nullptr;
 }

@@ -4,6 +4,7 @@
 #include "inctl/help_formatter.hpp"
 #include "inctl/host.hpp"
 #include "inctl/items.hpp"
+#include "inctl/signals_blocked.hpp"
 
 #include "cs/cs_migration.h"
 #include "pb/pb_buffer.h"
@@ -79,8 +80,11 @@ Exit migrate( Output &output, const MigrateOptions &options )
         refuse( told );
     struct pbString *problem = nullptr;
     pbInt origin = CS_DIAGNOSIS_OF_SYSTEM;
-    if ( options.write && !csMigrationTryWrite( migration.get(), &problem, &origin ) )
-        throw Failure{ exitOf( origin ), pb::utf8( pb::adopt( problem ) ) };
+    if ( options.write ) {
+        const SignalsBlocked blocked; // one that ends the program would leave half of the new file beside the old one
+        if ( !csMigrationTryWrite( migration.get(), &problem, &origin ) )
+            throw Failure{ exitOf( origin ), pb::utf8( pb::adopt( problem ) ) };
+    }
 
     const bool changed = csMigrationChanged( migration.get() );
     const std::string text = bytesOf( pb::adopt( csMigrationText( migration.get() ) ) );

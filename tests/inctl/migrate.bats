@@ -102,7 +102,7 @@ END
 @test "migrate: what it refuses" {
     local row file="$BATS_TEST_TMPDIR/bad.json"
     for row in '{"objects": {}, "objects": {}}|:1:17: error: objects: the key stands twice' \
-        '{"objects": []}|:1:1: error: the key "objects" is missing' '[1]|:1:1: error: not an object' \
+        '{"objects": []}|:1:13: error: objects: not an object' '[1]|:1:1: error: not an object' \
         '{"objects": {|:1:14: error: not JSON'; do
         printf '%s' "${row%|*}" >"$file"
         expect 3 "${row#*|}" migrate "$file" --write
