@@ -3,10 +3,9 @@
 
 #include "inctl/endpoint.hpp"
 #include "inctl/exit_code.hpp"
+#include "inctl/stack_choice.hpp"
 #include "inctl/waiter.hpp"
 
-#include "in/base/in_options.h"
-#include "in/base/in_stack.h"
 #include "in/filter/in_filter.h"
 #include "in/filter/in_filter_options.h"
 #include "pb/pb_store.h"
@@ -24,9 +23,7 @@ Filter makeFilter( const Configuration &configuration, const std::string &name )
 {
     auto options = pb::adopt( inFilterOptionsRestore( configuration.store( name, inFilterSort() ).get() ) );
     if ( const auto stackName = pb::adopt( inFilterOptionsStackName( options.get() ) ) ) {
-        const Store stored = configuration.store( pb::utf8( stackName ), inStackSort() );
-        const auto stack =
-            pb::adopt( inStackCreate( pb::adopt( inOptionsRestore( stored.get() ) ).get(), nullptr ) );
+        const auto stack = makeStack( configuration, pb::utf8( stackName ) );
         inFilterOptionsSetStack( options.address(), stack.get() );
     }
     return pb::adopt( inFilterCreate( options.get(), nullptr ) );

@@ -47,6 +47,12 @@ Options optionsOf( const StackChoice &choice, const struct inAddress *optionalPe
 
 } // namespace
 
+pb::Ref<struct inStack> makeStack( const Configuration &configuration, const std::string &name )
+{
+    const auto stored = configuration.store( name, inStackSort() );
+    return pb::adopt( inStackCreate( pb::adopt( inOptionsRestore( stored.get() ) ).get(), nullptr ) );
+}
+
 void addStackOptions( CLI::App &command, StackChoice &choice )
 {
     CLI::Option *fromStack = command.add_option( "--from-stack", choice.fromStack, "A stack of a configuration file" );
@@ -71,10 +77,8 @@ ChosenStack::ChosenStack( const StackChoice &choice, const struct inAddress *opt
     const size_t colon = choice.fromStack.rfind( ':' );
     if ( colon == std::string::npos || colon == 0 || colon + 1 == choice.fromStack.size() )
         throw Failure{ Exit::Usage, fmt::format( "{}: {} is not FILE:OBJECT", choice.option, choice.fromStack ) };
-    configuration_ = std::make_unique<Configuration>( choice.fromStack.substr( 0, colon ) );
-    configuration_->start();
-    stack_ = pb::adopt(
-        inStackFrom( configuration_->object( choice.fromStack.substr( colon + 1 ), inStackSort() ).release() ) );
+    const Configuration configuration( choice.fromStack.substr( 0, colon ) );
+    stack_ = makeStack( configuration, choice.fromStack.substr( colon + 1 ) );
 }
 
 } // namespace inctl

@@ -8,7 +8,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <memory>
 #include <string>
 
 struct inAddress;
@@ -23,6 +22,9 @@ struct StackChoice {
     std::string ports; // FIRST-LAST
 };
 
+// The stack of that record alone: other objects of the file might change the host. Throws Failure.
+pb::Ref<struct inStack> makeStack( const Configuration &configuration, const std::string &name );
+
 void addStackOptions( CLI::App &command, StackChoice &choice );
 
 // The stack lives as long as this does; its Host outlives both.
@@ -35,7 +37,6 @@ public:
     struct inStack *get() const { return stack_.get(); }
 
 private:
-    std::unique_ptr<Configuration> configuration_; // of fromStack
     pb::Ref<struct inStack> stack_;
 };
 

@@ -68,6 +68,22 @@ resolves() {
     resolves 1 "refused by configuration: the stack's dnsOptions have disableQueryAddresses" pbx.example.test --stack "$file:quiet"
 }
 
+@test "a stack of a file is made alone, and what else the file wishes is left" {
+    names_host
+    local file="$BATS_TEST_TMPDIR/host.json" before
+    echo '{"objects": {"lo": {"sort": "IN_STACK", "config": {"flags": "IN_FLAG_LOOPBACK_ONLY", "addressVersion": "IN_ADDRESS_VERSION_4"}},
+        "up": {"sort": "IN_NW_STACK", "config": {"interfaceIdentifier": "d0", "status": true}},
+        "vip": {"sort": "IN_NW_STACK", "config": {"interfaceIdentifier": "d0", "layer3UnicastAddress": "192.0.2.1", "layer3Network": "192.0.2.0/24"}}}}' >"$file"
+    "${inside[@]}" ip link add d0 type veth peer name d1
+    "${inside[@]}" ip link set d1 up
+    "${inside[@]}" ip link set d0 up
+    "${inside[@]}" ip address add 192.0.2.1/24 dev d0
+    before=$("${inside[@]}" ip -brief -4 address show d0)
+    resolves 0 '^192\.0\.2\.10$' pbx.example.test --stack "$file:lo"
+    "${inside[@]}" "$INCTL" udp send 127.0.0.1:9 x --from-stack "$file:lo"
+    [ "$("${inside[@]}" ip -brief -4 address show d0)" = "$before" ]
+}
+
 @test "resolve: names that are none" {
     expect 2 'label 2, "", is empty' resolve a..b
     expect 2 'label 1, "", is empty' resolve .a
