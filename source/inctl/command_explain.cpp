@@ -1,8 +1,8 @@
 // inctl explain: why the objects of a configuration do what they do on this host. Each subject is a row of a table.
+#include "inctl/asking_host.hpp"
 #include "inctl/command.hpp"
 #include "inctl/configuration.hpp"
 #include "inctl/explain.hpp"
-#include "inctl/host.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -51,7 +51,7 @@ struct ExplainOptions {
 
 Exit explain( Output &output, const Subject &subject, const ExplainOptions &options )
 {
-    const Host host;
+    startAskingHost();
     const Configuration configuration( options.file );
     return subject.explain( output, configuration, options.arguments, options.timeout );
 }

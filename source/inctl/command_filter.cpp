@@ -1,7 +1,7 @@
 // inctl filter: whether an address filter of a configuration lets a peer in.
+#include "inctl/asking_host.hpp"
 #include "inctl/command.hpp"
 #include "inctl/filter_answer.hpp"
-#include "inctl/host.hpp"
 #include "inctl/record_keys.hpp"
 
 #include <fmt/format.h>
@@ -18,7 +18,7 @@ struct FilterOptions {
 
 Exit check( Output &output, const FilterOptions &options )
 {
-    const Host host;
+    startAskingHost();
     const Configuration configuration( options.file );
     const FilterAnswer answer = askFilter( configuration, options.question );
     const std::string sentence = answer.sentence( options.question );

@@ -1,9 +1,9 @@
 // inctl resolve: asks a stack, as the objects of a configuration do, for addresses, a name or a service.
+#include "inctl/asking_host.hpp"
 #include "inctl/command.hpp"
 #include "inctl/domain_name.hpp"
 #include "inctl/endpoint.hpp"
 #include "inctl/help_formatter.hpp"
-#include "inctl/host.hpp"
 #include "inctl/items.hpp"
 #include "inctl/look_up.hpp"
 #include "inctl/object_state.hpp"
@@ -129,7 +129,7 @@ class Resolution {
 
 Exit resolve( Output &output, const ResolveOptions &options )
 {
-    const Host host;
+    startAskingHost();
     if ( !options.name.empty() ) {
         const pb::String name = parseDomainName( options.name );
         Resolution( output, options ).addresses( name );

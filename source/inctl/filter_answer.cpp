@@ -1,6 +1,7 @@
 // Asking a filter that is made for the question.
 #include "inctl/filter_answer.hpp"
 
+#include "inctl/asking_host.hpp"
 #include "inctl/endpoint.hpp"
 #include "inctl/exit_code.hpp"
 #include "inctl/stack_choice.hpp"
@@ -45,13 +46,15 @@ Store awaitExplanation( const Filter &filter, const struct inAddress *address, p
     for ( ;; ) {
         csStatusReporterUpdateAddSignalable( status.get(), waiter.signalable() ); // before it is looked at
         Store explanation = pb::adopt( inFilterExplain( filter.get(), address ) );
-        if ( flag( explanation, "published" ) )
-            return explanation;
-        const Waiter::Woken woken = waiter.wait( deadline );
+        const bool published = flag( explanation, "published" );
+        const Waiter::Woken woken = published ? Waiter::Woken::Time : waiter.wait( deadline );
+        if ( woken == Waiter::Woken::Library )
+            continue;
+        if ( !published || flag( explanation, "rebuilding" ) ) // answers without a lifetime are asked for again
+            leaveLookUpBehind();
         if ( woken == Waiter::Woken::Stop )
             throw Failure{ Exit::No, "interrupted while names were looked up" };
-        if ( woken == Waiter::Woken::Time )
-            return explanation;
+        return explanation;
     }
 }
 

@@ -1,6 +1,8 @@
 // Waits for DNS queries.
 #include "inctl/look_up.hpp"
 
+#include "inctl/asking_host.hpp"
+
 #include "in/base/in_options.h"
 #include "in/dns/in_dns_options.h"
 
@@ -29,6 +31,8 @@ template <class Query> LookUp wait( Query *created, const Kind<Query> &kind, pbI
              woken != Waiter::Woken::Library )
             lookUp.interruptedBy = woken;
     kind.del( created, waiter.signalable() );
+    if ( lookUp.interruptedBy )
+        leaveLookUpBehind();
     lookUp.found = pb::adopt( kind.result( created ) );
     lookUp.failure = kind.failure( created );
     lookUp.milliseconds = std::chrono::duration<double, std::milli>( Waiter::Clock::now() - started ).count();

@@ -1,5 +1,6 @@
 // inctl: the host program of Internetworking. Reads the command line, runs the sub-command, turns failures into
 // sentences and exit codes.
+#include "inctl/asking_host.hpp"
 #include "inctl/command.hpp"
 #include "inctl/help_formatter.hpp"
 #include "inctl/nearest.hpp"
@@ -99,6 +100,22 @@ Exit parse( CLI::App &app, Context &context, int argumentCount, char **arguments
     }
 }
 
+// Runs the command and says why it failed.
+Exit outcome( Context &context )
+{
+    try {
+        const Exit exit = context.run();
+        // That the reader of a pipe has seen enough is no error.
+        const int error = context.output.error();
+        if ( exit == Exit::Yes && error && error != EPIPE && error != EINTR )
+            throw unwritable( context.output );
+        return exit;
+    } catch ( const Failure &failure ) {
+        context.output.failure( failure );
+        return failure.exit;
+    }
+}
+
 Exit run( int argumentCount, char **arguments )
 {
     Context context;
@@ -143,17 +160,9 @@ Exit run( int argumentCount, char **arguments )
     const Exit parsed = parse( app, context, argumentCount, arguments );
     if ( !context.run )
         return parsed;
-    try {
-        const Exit exit = context.run();
-        // That the reader of a pipe has seen enough is no error.
-        const int error = context.output.error();
-        if ( exit == Exit::Yes && error && error != EPIPE && error != EINTR )
-            throw unwritable( context.output );
-        return exit;
-    } catch ( const Failure &failure ) {
-        context.output.failure( failure );
-        return failure.exit;
-    }
+    const Exit exit = outcome( context );
+    endAskingHost( exit );
+    return exit;
 }
 
 } // namespace

@@ -68,6 +68,36 @@ resolves() {
     resolves 1 "refused by configuration: the stack's dnsOptions have disableQueryAddresses" pbx.example.test --stack "$file:quiet"
 }
 
+@test "a look-up that goes on keeps no command from its end" {
+    names_host
+    kill -STOP "$started" # answers nobody
+    local server=$started file="$BATS_TEST_TMPDIR/filter.json" command
+    printf 'nameserver 127.0.0.1\noptions timeout:30 attempts:5\n' >"$BATS_TEST_TMPDIR/resolv.conf"
+    echo '{"objects": {"lo": {"sort": "IN_STACK", "config": {"flags": "IN_FLAG_LOOPBACK_ONLY", "addressVersion": "IN_ADDRESS_VERSION_4"}},
+        "peers": {"sort": "IN_FILTER", "config": {"stackName": "lo", "entries": [
+            {"host": "a.test", "flags": "IN_FILTER_ENTRY_FLAG_DNS_QUERY_ADDRESSES"}]}}}}' >"$file"
+    inside+=(timeout --foreground 60)
+    resolves 1 'time-out: nothing has answered about a\.test' a.test --timeout 50
+    resolves 1 'time-out: nothing has answered about _s\.a\.test' --srv _s.a.test --timeout 50
+    run "${inside[@]}" "$INCTL" filter check "$file" peers 10.0.0.1 --timeout 50
+    [ "$status" -eq 1 ]
+    grep -q '^10.0.0.1 refused: .*DNS has not answered within 50 ms$' <<<"$output"
+    run "${inside[@]}" "$INCTL" explain "$file" peer peers 127.0.0.1 --timeout 0
+    [ "$status" -eq 0 ]
+    unset 'inside[-1]' 'inside[-1]' 'inside[-1]'
+    for command in 'resolve a.test' 'resolve --srv _s.a.test' "filter check $file peers 10.0.0.1"; do
+        start $command --timeout 3600000
+        # It takes signals itself when it waits.
+        until grep -Eq '^SigCgt:.*[4-7c-f].{3}$' "/proc/$started/status" && [ "/proc/$started/exe" -ef "$INCTL" ]; do
+            kill -0 "$started"
+            sleep 0.01
+        done
+        finish TERM 1
+        grep -q '^inctl: interrupted while ' "$log"
+    done
+    started=$server
+}
+
 @test "a stack of a file is made alone, and what else the file wishes is left" {
     names_host
     local file="$BATS_TEST_TMPDIR/host.json" before
