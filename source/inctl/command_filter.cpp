@@ -2,6 +2,7 @@
 #include "inctl/asking_host.hpp"
 #include "inctl/command.hpp"
 #include "inctl/filter_answer.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/record_keys.hpp"
 
 #include <fmt/format.h>
@@ -23,7 +24,7 @@ Exit check( Output &output, const FilterOptions &options )
     const FilterAnswer answer = askFilter( configuration, options.question );
     const std::string sentence = answer.sentence( options.question );
     output.line( output.paint( answer.permitted ? Paint::Good : Paint::Bad,
-                               fmt::format( "{} {}", options.question.address, sentence ) ) );
+                               printable( fmt::format( "{} {}", options.question.address, sentence ) ) ) );
     output.record( Record()
                        .set( "object", options.question.filter )
                        .set( "address", options.question.address )

@@ -93,7 +93,7 @@ class Resolution {
             list.append( record );
             table.add( { Cell( std::to_string( i + 1 ) ), Cell( std::to_string( priority ) ),
                          Cell( std::to_string( weight ) ), Cell( std::to_string( port ) ),
-                         target ? Cell( pb::utf8( target ), Paint::Strong )
+                         target ? Cell( printable( pb::utf8( target ) ), Paint::Strong )
                                 : Cell( ". (not available here)", Paint::Bad ) } );
         }
         table.print( output_ );

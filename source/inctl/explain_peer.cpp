@@ -1,6 +1,7 @@
 // Why a filter lets a peer in or not, told by the library from the list that it checks with.
 #include "inctl/explain.hpp"
 #include "inctl/filter_answer.hpp"
+#include "inctl/object_state.hpp"
 #include "inctl/store_text.hpp"
 #include "inctl/table.hpp"
 
@@ -25,12 +26,13 @@ void addEntry( Table &table, const Store &entry )
     const std::string number = textIn( entry, "entry" );
     for ( const Store &address : storesIn( entry, "addresses" ) ) {
         const std::string name = textIn( address, "name" ), matching = textIn( address, "matchingBits" );
-        table.add( { Cell( number ), Cell( name.empty() ? textIn( entry, "host" ) : name ), Cell( network( address ) ),
+        table.add( { Cell( number ), Cell( printable( name.empty() ? textIn( entry, "host" ) : name ) ),
+                     Cell( network( address ) ),
                      Cell( matching.empty() ? "other version" : matching + " bits agree" ) } );
     }
     for ( const Store &note : storesIn( entry, "notes" ) )
-        table.add( { Cell( number ), Cell( textIn( note, "name" ) ), Cell( "" ),
-                     Cell( textIn( note, "text" ), Paint::Faint ) } );
+        table.add( { Cell( number ), Cell( printable( textIn( note, "name" ) ) ), Cell( "" ),
+                     Cell( printable( textIn( note, "text" ) ), Paint::Faint ) } );
 }
 
 } // namespace
@@ -50,9 +52,9 @@ Exit explainPeer( Output &output, const Configuration &configuration, const std:
         output.line( fmt::format( "... and {} more entries", all.size() - most ) );
     if ( const std::string own = textIn( answer.explanation, "stackAddress" ); !own.empty() )
         output.line( fmt::format( "The stack's own address, {}, is let in as well.", own ) );
-    output.line( fmt::format( "\n{} {}", question.address,
+    output.line( fmt::format( "\n{} {}", printable( question.address ),
                               output.paint( answer.permitted ? Paint::Good : Paint::Bad,
-                                            answer.sentence( question ) ) ) );
+                                            printable( answer.sentence( question ) ) ) ) );
     output.record( Record()
                        .set( "object", question.filter )
                        .set( "complete", answer.complete )

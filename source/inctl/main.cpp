@@ -4,6 +4,7 @@
 #include "inctl/command.hpp"
 #include "inctl/help_formatter.hpp"
 #include "inctl/nearest.hpp"
+#include "inctl/printable_lines.hpp"
 #include "inctl/waiter.hpp"
 
 #include <fmt/format.h>
@@ -80,6 +81,12 @@ void noteJson( Context &context, int argumentCount, char **arguments )
             context.output.form = Output::Form::JsonShort;
 }
 
+// Sentences repeat what was typed, which may have come from anywhere.
+void tell( Output &output, const Failure &failure )
+{
+    output.failure( { failure.exit, printableLines( failure.sentence ) } );
+}
+
 Exit parse( CLI::App &app, Context &context, int argumentCount, char **arguments )
 {
     try {
@@ -94,7 +101,7 @@ Exit parse( CLI::App &app, Context &context, int argumentCount, char **arguments
     } catch ( const CLI::ParseError &error ) {
         noteJson( context, argumentCount, arguments );
         context.run = nullptr;
-        context.output.failure( { Exit::Usage, explain( app, error ) } );
+        tell( context.output, { Exit::Usage, explain( app, error ) } );
         complain( fmt::format( "Try: {} --help\n", fullName( deepest( app ) ) ) );
         return Exit::Usage;
     }
@@ -111,7 +118,7 @@ Exit outcome( Context &context )
             throw unwritable( context.output );
         return exit;
     } catch ( const Failure &failure ) {
-        context.output.failure( failure );
+        tell( context.output, failure );
         return failure.exit;
     }
 }

@@ -98,10 +98,10 @@ void printStack( Output &output, const struct pbStore *stack )
     Table table{ { "KIND" }, { "OF" }, { "STATE" }, { "MS LEFT", true }, { "RESULT" } };
     for ( pbInt i = 0; i < shown; ++i ) {
         const Store query = storeAt( queries, i );
-        const std::string state = textIn( query.get(), "state" );
-        table.add( { Cell( textIn( query.get(), "kind" ) ), Cell( textIn( query.get(), "key" ) ),
+        const std::string state = printableIn( query.get(), "state" );
+        table.add( { Cell( printableIn( query.get(), "kind" ) ), Cell( printableIn( query.get(), "key" ) ),
                      Cell( state, state == "failed" ? Paint::Bad : Paint::Plain ),
-                     Cell( textIn( query.get(), "remaining" ) ),
+                     Cell( printableIn( query.get(), "remaining" ) ),
                      Cell( joined( storeIn( query.get(), "result" ), "\n" ) +
                            moreText( query.get(), "result", "resultLength" ) ) } );
     }
@@ -114,8 +114,8 @@ std::string addressesText( const Store &addresses )
     std::string text;
     for ( pbInt i = 0; i < pbStoreArrayLength( addresses.get() ); ++i ) {
         const Store address = storeAt( addresses, i );
-        const std::string bits = textIn( address.get(), "bits" ), name = textIn( address.get(), "name" );
-        text += fmt::format( "{}{}{}{}", i > 0 ? "\n" : "", textIn( address.get(), "address" ),
+        const std::string bits = printableIn( address.get(), "bits" ), name = printableIn( address.get(), "name" );
+        text += fmt::format( "{}{}{}{}", i > 0 ? "\n" : "", printableIn( address.get(), "address" ),
                              bits.empty() ? "" : "/" + bits, name.empty() ? "" : "  of " + name );
     }
     return text;
@@ -145,10 +145,10 @@ void printFilter( Output &output, const struct pbStore *filter )
         const Store noteList = storeIn( entry.get(), "notes" );
         for ( pbInt j = 0; j < pbStoreArrayLength( noteList.get() ); ++j ) {
             const Store note = storeAt( noteList, j );
-            notes += fmt::format( "{}{}: {}", j > 0 ? "\n" : "", textIn( note.get(), "name" ),
-                                  textIn( note.get(), "text" ) );
+            notes += fmt::format( "{}{}: {}", j > 0 ? "\n" : "", printableIn( note.get(), "name" ),
+                                  printableIn( note.get(), "text" ) );
         }
-        table.add( { Cell( textIn( entry.get(), "entry" ) ), Cell( textIn( entry.get(), "host" ) ),
+        table.add( { Cell( printableIn( entry.get(), "entry" ) ), Cell( printableIn( entry.get(), "host" ) ),
                      Cell( addressesText( storeIn( entry.get(), "addresses" ) ) +
                            moreText( entry.get(), "addresses", "addressesLength" ) ),
                      Cell( notes, Paint::Bad ) } );
@@ -184,8 +184,8 @@ void printStatus( Output &output, const struct pbStore *answer )
     Table table{ { "OBJECT" }, { "SORT" }, { "STATE" }, { "DETAIL" } };
     for ( pbInt i = 0; i < pbStoreArrayLength( objects.get() ); ++i ) {
         const Store object = storeAt( objects, i );
-        const std::string state = textIn( object.get(), "state" );
-        table.add( { Cell( textIn( object.get(), "name" ) ), Cell( textIn( object.get(), "sort" ) ),
+        const std::string state = printableIn( object.get(), "state" );
+        table.add( { Cell( printableIn( object.get(), "name" ) ), Cell( printableIn( object.get(), "sort" ) ),
                      Cell( state, paintOf( state ) ), Cell( detailText( object.get() ) ) } );
     }
     if ( pbStoreArrayLength( objects.get() ) > 0 )

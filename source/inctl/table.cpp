@@ -1,6 +1,8 @@
 // Table: aligned columns by libsmartcols.
 #include "inctl/table.hpp"
 
+#include "inctl/printable_lines.hpp"
+
 #include <libsmartcols/libsmartcols.h>
 
 #include <cstdlib>
@@ -55,7 +57,7 @@ void Table::add( const std::vector<Cell> &cells )
     if ( !line )
         throw std::bad_alloc();
     for ( size_t i = 0; i < cells.size(); ++i ) {
-        if ( scols_line_set_data( line, i, cells[i].text.c_str() ) != 0 )
+        if ( scols_line_set_data( line, i, printableLines( cells[i].text ).c_str() ) != 0 )
             throw std::bad_alloc();
         if ( const char *colour = scolsColour( cells[i].paint ) )
             scols_cell_set_color( scols_line_get_cell( line, i ), colour );

@@ -68,6 +68,50 @@ resolves() {
     resolves 1 "refused by configuration: the stack's dnsOptions have disableQueryAddresses" pbx.example.test --stack "$file:quiet"
 }
 
+# A name server for SRV questions with one target for an answer, its labels as Python writes them.
+odd_server() {
+    names_host
+    "${inside[@]}" python3 -c 'if True:
+        import socket, struct, sys
+        s = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        s.bind(("127.0.0.2", 53))
+        target = b"".join(bytes([len(l)]) + l for l in eval(sys.argv[1])) + b"\0"
+        data = struct.pack("!HHH", 10, 50, 5060) + target
+        print("ready", flush=True)
+        while True:
+            question, peer = s.recvfrom(512)
+            s.sendto(question[:2] + b"\x85\x80\0\1\0\1\0\0\0\0" + question[12:] + b"\xc0\x0c\0\x21\0\1\0\0\0\x3c"
+                     + struct.pack("!H", len(data)) + data, peer)' "$1" >"$BATS_TEST_TMPDIR/odd.log" 3>&- &
+    listener=$!
+    await ready "$BATS_TEST_TMPDIR/odd.log"
+    printf 'nameserver 127.0.0.2\noptions timeout:1 attempts:1\n' >"$BATS_TEST_TMPDIR/resolv.conf"
+}
+
+@test "what a name server says does not steer the terminal" {
+    odd_server '[b"a\0b\n\x1b[31m", b"test"]'
+    local file="$BATS_TEST_TMPDIR/filter.json"
+    echo '{"objects": {"lo": {"sort": "IN_STACK", "config": {"flags": "IN_FLAG_LOOPBACK_ONLY", "addressVersion": "IN_ADDRESS_VERSION_4"}},
+        "peers": {"sort": "IN_FILTER", "config": {"stackName": "lo", "entries": [
+            {"host": "a.test", "flags": "IN_FILTER_ENTRY_FLAG_DNS_QUERY_SRV", "dnsSrvPrefixes": ["_s"]},
+            {"host": "10.0.0.0", "flags": "IN_FILTER_ENTRY_FLAG_ADDRESS", "addressMatchingBits": 24}]}}}}' >"$file"
+    resolves 0 'a\?b\?\?\[31m\.test *$' --srv _s.a.test
+    "${inside[@]}" "$INCTL" resolve --srv _s.a.test --json | jq -e '.srvs[0].target == "a\u0000b\n\u001b[31m.test"'
+    run "${inside[@]}" "$INCTL" filter check "$file" peers 10.0.3.7
+    grep -Fq 'a?b??[31m.test' <<<"$output"
+    run "${inside[@]}" "$INCTL" explain "$file" peer peers 10.0.3.7
+    [ "$(grep -Fc 'a?b??[31m.test' <<<"$output")" -eq 2 ]
+    [[ "$output" != *$'\e'* ]]
+    "${inside[@]}" "$INCTL" run "$file" --name odd >"$BATS_TEST_TMPDIR/run.log" 2>&1 3>&- &
+    local runs=$!
+    until "$INCTL" status peers --host odd >"$BATS_TEST_TMPDIR/status" 2>&1 && grep -Fq 'a?b??[31m.test: ' "$BATS_TEST_TMPDIR/status"; do
+        kill -0 "$runs"
+        sleep 0.02
+    done
+    kill "$runs"
+    wait "$runs"
+    expect 2 'a\?\[31m\.\.b is no domain name: label 2' resolve $'a\e[31m..b'
+}
+
 @test "a look-up that goes on keeps no command from its end" {
     names_host
     kill -STOP "$started" # answers nobody
