@@ -65,14 +65,18 @@ class Resolution {
         bool numeric = false;
         const auto found = items( lookUp.found, pbStringFrom );
         for ( const auto &name : found ) {
-            output_.line( printable( pb::utf8( name ) ) );
             list.append( name );
             numeric |= static_cast<bool>( pb::adopt( inAddressTryCreateFromString( name.get() ) ) );
         }
-        if ( numeric )
-            output_.line( "This is the address itself: the resolver knows no name for it." );
         record_.set( "domainNames", list ).set( "numeric", numeric );
-        finish( lookUp, numeric ? "no name" : counted( found.size(), "name", "names" ) );
+        if ( numeric ) {
+            record( lookUp );
+            throw Failure{ Exit::No, fmt::format( "there is no name for {}: the resolver gives the address itself",
+                                                  options_.address ) };
+        }
+        for ( const auto &name : found )
+            output_.line( printable( pb::utf8( name ) ) );
+        finish( lookUp, counted( found.size(), "name", "names" ) );
     }
 
     void services( const pb::String &service )
@@ -107,15 +111,19 @@ class Resolution {
     {
         if ( lookUp.found )
             return;
-        record_.set( "failure", failureOf( lookUp ) )
-            .set( "milliseconds", static_cast<pbInt>( lookUp.milliseconds ) );
-        output_.record( record_ );
+        record_.set( "failure", failureOf( lookUp ) );
+        record( lookUp );
         throw Failure{ Exit::No, sentence( lookUp, subject, what, disabledBy, timeout_ ) };
     }
 
     void finish( const LookUp &lookUp, const std::string &summary )
     {
         output_.line( output_.paint( Paint::Faint, fmt::format( "{} in {:.1f} ms", summary, lookUp.milliseconds ) ) );
+        record( lookUp );
+    }
+
+    void record( const LookUp &lookUp )
+    {
         output_.record( record_.set( "milliseconds", static_cast<pbInt>( lookUp.milliseconds ) ) );
     }
 

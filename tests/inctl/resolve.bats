@@ -44,7 +44,11 @@ resolves() {
     resolves 0 '^192\.0\.2\.10$' pbx.example.test
     resolves 0 '^2 addresses in [0-9.]+ ms$' pbx.example.test
     resolves 0 '^eleven\.example\.test$' --ptr 192.0.2.11
-    resolves 0 'the address itself: the resolver knows no name' --ptr 192.0.2.12
+    resolves 1 '^inctl: there is no name for 192\.0\.2\.12: the resolver gives the address itself' --ptr 192.0.2.12
+    [ "${#lines[@]}" -eq 1 ] # and not the address where a name is expected
+    run "${inside[@]}" "$INCTL" resolve --json --ptr 192.0.2.12
+    [ "$status" -eq 1 ]
+    grep -v '^inctl:' <<<"$output" | jq -es '.[0].numeric and .[0].domainNames == ["192.0.2.12"] and (.[1].error | length) > 0'
     resolves 0 '^ *1 +10 +50 +5060 +pbx\.example\.test' --srv _sip._udp.example.test
     resolves 0 '^ *2 +20 +0 +5070 +spare\.example\.test' --srv _sip._udp.example.test
     resolves 1 'there is no name gone\.test \(NXDOMAIN\)' gone.test
