@@ -20,8 +20,10 @@ template <class Query> struct Kind {
     struct pbVector *( *result )( const Query * );
 };
 
-template <class Query> LookUp wait( Query *created, const Kind<Query> &kind, pbInt timeout, Waiter &waiter )
+template <class Query, class Create>
+LookUp wait( Create create, const Kind<Query> &kind, pbInt timeout, Waiter &waiter )
 {
+    Query *const created = create();
     const auto query = pb::adopt( created );
     const auto started = Waiter::Clock::now();
     LookUp lookUp;
@@ -43,28 +45,32 @@ template <class Query> LookUp wait( Query *created, const Kind<Query> &kind, pbI
 
 LookUp lookUpAddresses( struct inStack *stack, const pb::String &name, pbInt timeout, Waiter &waiter )
 {
-    return wait( inDnsQueryAddressesCreate( stack, name.get(), nullptr ),
-                 { inDnsQueryAddressesEnd, inDnsQueryAddressesEndAddSignalable, inDnsQueryAddressesEndDelSignalable,
-                   inDnsQueryAddressesFailure, inDnsQueryAddressesAddressesVector },
-                 timeout, waiter );
+    return wait<struct inDnsQueryAddresses>(
+        [&] { return inDnsQueryAddressesCreate( stack, name.get(), nullptr ); },
+        { inDnsQueryAddressesEnd, inDnsQueryAddressesEndAddSignalable, inDnsQueryAddressesEndDelSignalable,
+          inDnsQueryAddressesFailure, inDnsQueryAddressesAddressesVector },
+        timeout, waiter );
 }
 
 LookUp lookUpDomainNames( struct inStack *stack, const pb::Ref<struct inAddress> &address, pbInt timeout,
                           Waiter &waiter )
 {
-    return wait( inDnsQueryDomainNamesCreate( stack, address.get(), nullptr ),
-                 { inDnsQueryDomainNamesEnd, inDnsQueryDomainNamesEndAddSignalable,
-                   inDnsQueryDomainNamesEndDelSignalable, inDnsQueryDomainNamesFailure,
-                   inDnsQueryDomainNamesDomainNamesVector },
-                 timeout, waiter );
+    return wait<struct inDnsQueryDomainNames>(
+        [&] { return inDnsQueryDomainNamesCreate( stack, address.get(), nullptr ); },
+        { inDnsQueryDomainNamesEnd, inDnsQueryDomainNamesEndAddSignalable, inDnsQueryDomainNamesEndDelSignalable,
+          inDnsQueryDomainNamesFailure, inDnsQueryDomainNamesDomainNamesVector },
+        timeout, waiter );
 }
 
 LookUp lookUpServices( struct inStack *stack, const pb::String &service, pbInt timeout, Waiter &waiter )
 {
-    return wait( inDnsQuerySrvCreate( stack, service.get(), nullptr ),
-                 { inDnsQuerySrvEnd, inDnsQuerySrvEndAddSignalable, inDnsQuerySrvEndDelSignalable,
-                   inDnsQuerySrvFailure, inDnsQuerySrvDataInSrvsVector },
-                 timeout, waiter );
+    LookUp lookUp = wait<struct inDnsQuerySrv>(
+        [&] { return inDnsQuerySrvCreate( stack, service.get(), nullptr ); },
+        { inDnsQuerySrvEnd, inDnsQuerySrvEndAddSignalable, inDnsQuerySrvEndDelSignalable, inDnsQuerySrvFailure,
+          inDnsQuerySrvDataInSrvsVector },
+        timeout, waiter );
+    lookUp.answerRead = true;
+    return lookUp;
 }
 
 pbInt defaultTimeout( const struct inStack *stack )
@@ -85,7 +91,11 @@ std::string sentence( const LookUp &lookUp, const std::string &subject, const st
         return fmt::format( "refused by configuration: the stack's dnsOptions have {}, so {} was not asked for",
                             disabledBy, subject );
     case IN_DNS_QUERY_FAILURE_NO_NAME:
-        return fmt::format( "there is no name {} (NXDOMAIN)", subject );
+        // getaddrinfo() says the same about an answer that it does not understand.
+        return fmt::format( "there is no name {}{}", subject,
+                            lookUp.answerRead
+                                ? " (NXDOMAIN)"
+                                : ", as far as the resolver can tell (NXDOMAIN, or no usable answer)" );
     case IN_DNS_QUERY_FAILURE_NO_DATA:
         return fmt::format( "{} is a name, but has no {}", subject, what );
     case IN_DNS_QUERY_FAILURE_NO_ANSWER:
@@ -98,7 +108,8 @@ std::string sentence( const LookUp &lookUp, const std::string &subject, const st
     case IN_DNS_QUERY_FAILURE_FLUSHED:
         return fmt::format( "the stack's address or options changed while {} was asked for; ask again", subject );
     case IN_DNS_QUERY_FAILURE_NOT_ASKABLE:
-        return fmt::format( "the resolver cannot be asked for {}: it is too long", subject );
+        // Those that are too long have been refused before; others the resolver cannot write into a question.
+        return fmt::format( "the resolver cannot be asked for {}", subject );
     default:
         return fmt::format( "the system's resolver refused to ask for the {} of {}", what, subject );
     }

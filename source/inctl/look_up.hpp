@@ -22,6 +22,7 @@ namespace inctl {
 struct LookUp {
     pb::Ref<struct pbVector> found;             // null when there is none
     pbInt failure = IN_DNS_QUERY_FAILURE_NONE;  // why
+    bool answerRead = false; // by the library, which then knows its code; else the system's resolver tells what it likes
     std::optional<Waiter::Woken> interruptedBy; // Time or Stop: the query still runs
     double milliseconds = 0;
 };

@@ -51,7 +51,8 @@ resolves() {
     grep -v '^inctl:' <<<"$output" | jq -es '.[0].numeric and .[0].domainNames == ["192.0.2.12"] and (.[1].error | length) > 0'
     resolves 0 '^ *1 +10 +50 +5060 +pbx\.example\.test' --srv _sip._udp.example.test
     resolves 0 '^ *2 +20 +0 +5070 +spare\.example\.test' --srv _sip._udp.example.test
-    resolves 1 'there is no name gone\.test \(NXDOMAIN\)' gone.test
+    resolves 1 'there is no name gone\.test, as far as the resolver can tell \(NXDOMAIN, or no usable answer\)' gone.test
+    resolves 1 'the resolver cannot be asked for gone\\999$' --srv 'gone\999' # an escape of DNS, and no byte
     resolves 1 'there is no name _gone\._udp\.test \(NXDOMAIN\)' --srv _gone._udp.test
     resolves 1 'is a name, but has no addresses' text.example.test
     resolves 1 'no name server gave an answer about host\.elsewhere' host.elsewhere
