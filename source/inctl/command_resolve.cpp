@@ -15,6 +15,10 @@
 namespace inctl {
 namespace {
 
+// Characters of a target that are shown. No name has so many, but a chain of labels in one answer, which thousands of
+// records may share, has tens of thousands.
+constexpr pbInt longestTarget = 1024;
+
 struct ResolveOptions {
     std::string name, address, service; // one of them
     StackChoice stack;
@@ -91,14 +95,19 @@ class Resolution {
             const pbInt priority = inDnsDataInSrvPriority( found[i].get() ),
                         weight = inDnsDataInSrvWeight( found[i].get() ), port = inDnsDataInSrvPort( found[i].get() );
             const auto target = pb::adopt( inDnsDataInSrvTarget( found[i].get() ) );
+            const pbInt length = target ? pbStringLength( target.get() ) : 0;
             Record record = Record().set( "priority", priority ).set( "weight", weight ).set( "port", port );
-            if ( target )
+            if ( length > longestTarget )
+                record.set( "targetLength", length );
+            else if ( target )
                 record.set( "target", target );
             list.append( record );
             table.add( { Cell( std::to_string( i + 1 ) ), Cell( std::to_string( priority ) ),
                          Cell( std::to_string( weight ) ), Cell( std::to_string( port ) ),
-                         target ? Cell( printable( pb::utf8( target ) ), Paint::Strong )
-                                : Cell( ". (not available here)", Paint::Bad ) } );
+                         length > longestTarget
+                             ? Cell( fmt::format( "too long for a name ({} characters)", length ), Paint::Bad )
+                         : target ? Cell( printable( pb::utf8( target ) ), Paint::Strong )
+                                  : Cell( ". (not available here)", Paint::Bad ) } );
         }
         table.print( output_ );
         record_.set( "srvs", list );

@@ -117,6 +117,12 @@ odd_server() {
     expect 2 'a\?\[31m\.\.b is no domain name: label 2' resolve $'a\e[31m..b'
 }
 
+@test "resolve: a target that is no name is not shown" {
+    odd_server '[b"xy"] * 400'
+    resolves 0 ' too long for a name \(1199 characters\)$' --srv _s.a.test
+    "${inside[@]}" "$INCTL" resolve --srv _s.a.test --json | jq -e '.srvs[0] | .targetLength == 1199 and has("target") == false'
+}
+
 @test "a look-up that goes on keeps no command from its end" {
     names_host
     kill -STOP "$started" # answers nobody
