@@ -60,6 +60,11 @@ void addSubject( CLI::App &command, Context &context, const Subject &subject,
                  const std::shared_ptr<ExplainOptions> &options )
 {
     CLI::App *added = addCommand( command, context, subject.name, subject.description, subject.examples );
+    // The file stands before the subject.
+    added->formatter_fn( [help = added->get_formatter()]( const CLI::App *app, std::string name,
+                                                          CLI::AppFormatMode mode ) {
+        return help->make_help( app, name.insert( name.rfind( ' ' ), " FILE" ), mode );
+    } );
     // Each in a place of its own, which the parser fills.
     auto values = std::make_shared<std::vector<std::string>>( subject.arguments.size() );
     for ( size_t i = 0; i < subject.arguments.size(); ++i )

@@ -148,6 +148,9 @@ Exit resolve( Output &output, const ResolveOptions &options )
 {
     startAskingHost();
     if ( !options.name.empty() ) {
+        if ( pb::adopt( inAddressTryCreateFromCstr( options.name.c_str(), -1 ) ) )
+            throw Failure{ Exit::Usage, fmt::format( "{0} is an address; for its name: inctl resolve --ptr {0}",
+                                                     options.name ) };
         const pb::String name = parseDomainName( options.name );
         Resolution( output, options ).addresses( name );
     }

@@ -50,7 +50,7 @@ Store awaitExplanation( const Filter &filter, const struct inAddress *address, p
         const Waiter::Woken woken = published ? Waiter::Woken::Time : waiter.wait( deadline );
         if ( woken == Waiter::Woken::Library )
             continue;
-        if ( !published || flag( explanation, "rebuilding" ) ) // answers without a lifetime are asked for again
+        if ( !published || flag( explanation, "rebuilding" ) ) // the list may be made anew already
             leaveLookUpBehind();
         if ( woken == Waiter::Woken::Stop )
             throw Failure{ Exit::No, "interrupted while names were looked up" };

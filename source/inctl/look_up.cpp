@@ -23,9 +23,9 @@ template <class Query> struct Kind {
 template <class Query, class Create>
 LookUp wait( Create create, const Kind<Query> &kind, pbInt timeout, Waiter &waiter )
 {
+    const auto started = Waiter::Clock::now();
     Query *const created = create();
     const auto query = pb::adopt( created );
-    const auto started = Waiter::Clock::now();
     LookUp lookUp;
     kind.add( created, waiter.signalable() );
     while ( !kind.end( created ) && !lookUp.interruptedBy )

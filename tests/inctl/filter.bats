@@ -28,6 +28,7 @@ name='{"host": "nowhere.example", "flags": "IN_FILTER_ENTRY_FLAG_DNS_QUERY_ADDRE
         and .entries[0] == {"entry": 1, "host": "10.0.0.0", "permits": false, "notes": [],
             "addresses": [{"address": "10.0.0.0", "bits": 24, "matchingBits": 22}]}
         and .entries[1].notes[0].name == "nowhere.example"' explain "$file" peer peers 10.0.3.7 --json
+    expect 0 '^Usage: inctl explain FILE peer \[OPTIONS\] FILTER ADDRESS' explain "$file" peer --help
     expect 2 'ADDRESS: nonsense' filter check "$file" peers nonsense
     expect 1 'no IN_FILTER is named peer; did you mean peers' filter check "$file" peer 10.0.0.1
 }

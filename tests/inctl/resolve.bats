@@ -178,5 +178,6 @@ odd_server() {
     expect 2 'it has 255 characters in ASCII form' resolve "$(printf 'aaaaaaa.%.0s' {1..32})"
     expect 2 '--ptr: a is no IP address' resolve --ptr a
     expect 2 'NAME, --ptr or --srv' resolve
+    expect 2 '::1 is an address; for its name: inctl resolve --ptr ::1$' resolve ::1
     expect 2 '--stack: x is not FILE:OBJECT' resolve a --stack x
 }
