@@ -3,6 +3,8 @@
 
 #include "inctl/waiter.hpp"
 
+#include "pb/pb_abort.hpp"
+
 #include <array>
 #include <atomic>
 #include <csignal>
@@ -106,6 +108,7 @@ Screen::Size Screen::size()
 Screen::Screen( Output &output ) : output_( output )
 {
     setFarewell( inctlGiveTerminalBack );
+    pb___SetAbortCall( inctlGiveTerminalBack ); // its text is for the page that stays
     takeFatalSignals();
     enter();
 }
@@ -114,6 +117,7 @@ Screen::~Screen()
 {
     leave();
     returnFatalSignals();
+    pb___SetAbortCall( nullptr );
     setFarewell( nullptr );
 }
 
