@@ -215,6 +215,10 @@ void AttachTrace::follow( Subscription &subscription, const struct csRecord *rec
 
 void AttachTrace::learnObjects()
 {
+    {
+        pb::Guard guard( monitor_ );
+        releasedMeanwhile_.emplace();
+    }
     for ( const auto &record : recordsOf( configuration_.get() ) )
         (void)linkTo( stream_.get(), record.get() ); // some sorts have no trace
     std::unordered_map<pbInt, std::string> objects;
@@ -223,7 +227,10 @@ void AttachTrace::learnObjects()
             objects[event.other] = pb::utf8( event.text );
     } );
     pb::Guard guard( monitor_ );
-    std::swap( objects_, objects );
+    for ( const pbInt stream : *releasedMeanwhile_ )
+        objects.erase( stream );
+    releasedMeanwhile_.reset();
+    objects_.merge( objects ); // what has lost its links still has its release to tell
 }
 
 void AttachTrace::listenAsWished()
@@ -237,10 +244,14 @@ void AttachTrace::listenAsWished()
         }
     }
     // Without the monitor, which the listener takes.
-    if ( anyone )
+    if ( anyone ) {
         trSystemAddListener( listen, this, packets );
-    else
-        trSystemDelListener( listen, this );
+        return;
+    }
+    trSystemDelListener( listen, this );
+    std::unordered_map<pbInt, std::string> unheard; // of their releases
+    pb::Guard guard( monitor_ );
+    std::swap( objects_, unheard );
 }
 
 void AttachTrace::listen( const struct trEvent *event, void *context )
@@ -261,8 +272,11 @@ void AttachTrace::hear( const struct trEvent &event )
             text = std::make_shared<const std::string>( line( event ) );
         push( *subscription, text );
     }
-    if ( event.kind == TR_EVENT_RELEASED )
-        objects_.erase( event.stream );
+    if ( event.kind != TR_EVENT_RELEASED )
+        return;
+    objects_.erase( event.stream );
+    if ( releasedMeanwhile_ )
+        releasedMeanwhile_->push_back( event.stream );
 }
 
 void AttachTrace::push( Subscription &subscription, const std::shared_ptr<const std::string> &line )

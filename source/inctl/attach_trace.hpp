@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -66,7 +67,8 @@ class AttachTrace {
     // Held by tracing threads for the length of a line; what it guards calls nothing that traces.
     pb::Monitor monitor_;
     Subscriptions subscriptions_ PB_GUARDED_BY( monitor_ );
-    std::unordered_map<pbInt, std::string> objects_ PB_GUARDED_BY( monitor_ ); // by stream
+    std::unordered_map<pbInt, std::string> objects_ PB_GUARDED_BY( monitor_ ); // by stream, until it is released
+    std::optional<std::vector<pbInt>> releasedMeanwhile_ PB_GUARDED_BY( monitor_ ); // while it learns the objects
 };
 
 } // namespace inctl

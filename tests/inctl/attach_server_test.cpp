@@ -3,11 +3,14 @@
 #include "attach_support.hpp"
 
 #include "inctl/attach_socket.hpp"
+#include "inctl/attach_trace.hpp"
 #include "inctl/exit_code.hpp"
 #include "inctl/run_directory.hpp"
 
+#include "cs/cs_condition.h"
 #include "in/base/in_stack.h"
 #include "tr/tr.hpp"
+#include "tr/tr_system.h"
 
 #include <atomic>
 #include <cstring>
@@ -22,6 +25,7 @@ using test::greeted;
 using test::Peer;
 using test::Running;
 using testing::AllOf;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -152,6 +156,30 @@ TEST( Attach, ForgetsAndFindsObjectsOfANewFile )
     EXPECT_THAT( watcher.lineWith( "\"active\"" ), HasSubstr( R"("state": "false")" ) );
     EXPECT_THAT( tracer.lineWith( "\"csValue\"" ),
                  AllOf( HasSubstr( "false" ), HasSubstr( R"("object": "active")" ) ) );
+}
+
+// Between the loss of a stream's links and the line that tells its release the objects are learned again.
+TEST( Attach, NamesAnObjectWhoseReleaseIsYetToBeTold )
+{
+    const support::ModuleHost modules;
+    inctl::Configuration configuration( R"({"objects": {"active": {"sort": "CS_CONDITION"}}})", "test.json" );
+    configuration.start();
+    inctl::AttachTrace trace( configuration.configuration(), [] {} );
+    const auto subscription = trace.subscribe( { .object = "active" } );
+    auto condition = configuration.object( "active", csConditionSort() );
+    const inctl::Configuration nothing( R"({"objects": {}})", "next.json" );
+    csConfigurationApply( configuration.configuration(), nothing.configuration(), nullptr );
+    trSystemSetListener(
+        []( const struct trEvent *event, void *context ) {
+            if ( event->kind == TR_EVENT_RELEASED )
+                static_cast<inctl::AttachTrace *>( context )->followObjects();
+        },
+        &trace );
+    condition.reset();
+    trSystemSetListener( nullptr, nullptr );
+    std::string lines;
+    trace.take( *subscription, lines, 100'000 );
+    EXPECT_THAT( lines, ContainsRegex( R"("released", [^\n]*"object": "active")" ) );
 }
 
 TEST( Attach, FollowsTheTracesOfAnObjectAndOfWhatItWorksWith )
