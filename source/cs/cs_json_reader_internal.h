@@ -49,12 +49,13 @@ struct JsonError {
     std::string text{}; // empty: none
 };
 
-// Reads the text, comments allowed, in one pass; after an error the tree holds what was read before it. The text is
-// refused from the first byte on that is not UTF-8 or is NUL.
 struct JsonLimits {
     size_t bytes = JsonBytesMaximum;
     size_t values = JsonValuesMaximum;
 };
+
+// Reads the text, comments allowed, in one pass; after an error the tree holds what was read before it. The text is
+// refused from the first byte on that is not UTF-8 or is NUL.
 JsonError readJson( std::string_view bytes, JsonValue &root, const JsonLimits &limits = {} );
 
 // Sets the key to the value: text, or a store of what is usable in it.

@@ -135,14 +135,13 @@ Record AttachDesk::perform( AttachClient &client, const struct pbStore *request 
     refuse( fmt::format( "unknown request {}{}", name.empty() ? "(none)" : name, suggestion( name, requestNames ) ) );
 }
 
-pb::Ref<struct csRecord> AttachDesk::recordNamed( const std::string &name ) const
+pb::Ref<struct csRecord> AttachDesk::recordAskedFor( const std::string &name ) const
 {
+    if ( auto record = recordNamed( configuration_.configuration(), name ) )
+        return record;
     std::vector<std::string> names;
-    for ( const auto &record : recordsOf( configuration_.configuration() ) ) {
+    for ( const auto &record : recordsOf( configuration_.configuration() ) )
         names.push_back( pb::utf8( pb::adopt( csRecordName( record.get() ) ) ) );
-        if ( names.back() == name )
-            return record;
-    }
     refuse( fmt::format( "the host {} has no object {}{}", name_, name, suggestion( name, names ) ), Exit::No );
 }
 
@@ -154,7 +153,7 @@ Record AttachDesk::status( const struct pbStore *request ) const
         answer.set( "refused", recordOfRefusal( refusal, configuration_.path() ) );
     Record objects;
     if ( const std::string object = textOf( request, "object" ); !object.empty() )
-        objects.append( detailsOf( recordNamed( object ).get() ) );
+        objects.append( detailsOf( recordAskedFor( object ).get() ) );
     else
         for ( const auto &record : recordsOf( configuration_.configuration() ) )
             objects.append( recordOf( stateOf( record.get() ) ) );
@@ -163,9 +162,10 @@ Record AttachDesk::status( const struct pbStore *request ) const
 
 Record AttachDesk::watch( AttachClient &client, const struct pbStore *request ) const
 {
-    if ( const std::string object = textOf( request, "object" ); !object.empty() )
-        (void)recordNamed( object );
-    client.watchedObject = textOf( request, "object" );
+    std::string object = textOf( request, "object" );
+    if ( !object.empty() )
+        (void)recordAskedFor( object );
+    client.watchedObject = std::move( object );
     client.watching = client.fresh = true;
     if ( const RunBoard::Refusal refusal = board_.refusal(); !refusal.problems.empty() )
         client.note( lineOf( recordOfRefusal( refusal, configuration_.path() ).set( "event", "refused" ) ) );
@@ -176,7 +176,7 @@ Record AttachDesk::trace( AttachClient &client, const struct pbStore *request )
 {
     const TraceWish wish{ textOf( request, "object" ), flagOf( request, "tree" ), flagOf( request, "packets" ) };
     if ( !wish.object.empty() )
-        (void)recordNamed( wish.object );
+        (void)recordAskedFor( wish.object );
     if ( wish.tree && wish.object.empty() )
         refuse( "\"tree\" needs an \"object\" to begin at" );
     if ( client.trace )
@@ -194,7 +194,7 @@ Record AttachDesk::set( const struct pbStore *request ) const
     const bool value = flagOf( request, "value" );
     if ( !pbStoreHasValueCstr( request, "value", -1 ) )
         refuse( "\"value\" is missing, true or false" );
-    const auto record = recordNamed( name );
+    const auto record = recordAskedFor( name );
     const auto object = pb::adopt( csRecordObject( record.get() ) );
     if ( const std::string sort = pb::utf8( pb::adopt( csRecordSortName( record.get() ) ) ); sort != "CS_CONDITION" )
         refuse( fmt::format( "the object {} is of the sort {}, not a condition (CS_CONDITION)", name, sort ),

@@ -33,7 +33,7 @@ class AttachDesk {
     Record watch( AttachClient &client, const struct pbStore *request ) const;
     Record trace( AttachClient &client, const struct pbStore *request );
     Record set( const struct pbStore *request ) const;
-    pb::Ref<struct csRecord> recordNamed( const std::string &name ) const;
+    pb::Ref<struct csRecord> recordAskedFor( const std::string &name ) const; // refuses where there is none
     Record &tellHost( Record &record ) const;
 
     const std::string name_;

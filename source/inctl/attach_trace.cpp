@@ -128,7 +128,7 @@ std::shared_ptr<AttachTrace::Subscription> AttachTrace::subscribe( const TraceWi
     auto subscription = std::make_shared<Subscription>( wish );
     pb::Ref<struct csRecord> record;
     if ( !wish.object.empty() ) {
-        record = recordNamed( wish.object );
+        record = recordNamed( configuration_.get(), wish.object );
         if ( !record || !linkTo( stream_.get(), record.get() ) )
             throw Failure{ Exit::No, fmt::format( "the object {} has no trace", wish.object ) };
         subscription->replaying = true;
@@ -165,16 +165,8 @@ void AttachTrace::followObjects()
     learnObjects();
     for ( const auto &subscription : subscriptions )
         if ( !subscription->wish.object.empty() )
-            if ( const auto record = recordNamed( subscription->wish.object ) )
+            if ( const auto record = recordNamed( configuration_.get(), subscription->wish.object ) )
                 follow( *subscription, record.get() );
-}
-
-pb::Ref<struct csRecord> AttachTrace::recordNamed( const std::string &name ) const
-{
-    for ( const auto &record : recordsOf( configuration_.get() ) )
-        if ( pb::utf8( pb::adopt( csRecordName( record.get() ) ) ) == name )
-            return record;
-    return nullptr;
 }
 
 // Links made while this collects what stands are remembered by the subscription, so that none is missed in between.

@@ -53,8 +53,6 @@ class AttachTrace {
     static void listen( const struct trEvent *event, void *context );
     void hear( const struct trEvent &event ) PB_EXCLUDES( monitor_ );
     void learnObjects() PB_EXCLUDES( monitor_ );
-    // Null where the object, or its trace, is not there.
-    pb::Ref<struct csRecord> recordNamed( const std::string &name ) const;
     void follow( Subscription &subscription, const struct csRecord *record ) PB_EXCLUDES( monitor_ );
     void push( Subscription &subscription, const std::shared_ptr<const std::string> &line ) PB_REQUIRES( monitor_ );
     std::string line( const struct trEvent &event ) const PB_REQUIRES( monitor_ );

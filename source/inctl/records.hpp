@@ -8,6 +8,9 @@
 #include "cs/cs_configuration.h"
 #include "cs/cs_record.h"
 #include "pb/pb_object.hpp"
+#include "pb/pb_string.hpp"
+
+#include <string>
 
 namespace inctl {
 
@@ -15,6 +18,15 @@ namespace inctl {
 inline std::vector<pb::Ref<struct csRecord>> recordsOf( const struct csConfiguration *configuration )
 {
     return items( pb::adopt( csConfigurationRecords( configuration ) ), csRecordFrom );
+}
+
+// Null when there is none.
+inline pb::Ref<struct csRecord> recordNamed( const struct csConfiguration *configuration, const std::string &name )
+{
+    for ( auto &record : recordsOf( configuration ) )
+        if ( pb::utf8( pb::adopt( csRecordName( record.get() ) ) ) == name )
+            return std::move( record );
+    return nullptr;
 }
 
 // Null while there is none, and where it is of another sort.

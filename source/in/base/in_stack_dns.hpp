@@ -178,6 +178,8 @@ template <class Kind> class DnsQueries {
     std::multimap<pbInt, Imp> known_; // by expiry
 };
 
+constexpr pbInt resultsShown = 100;
+
 // A query as a person reads it: key, state, what is left of its time at now, the beginning of its result.
 template <class Kind>
 pb::Ref<struct pbStore> storeOfListed( typename Kind::Imp *imp, std::optional<pbInt> expiry, pbInt now )
@@ -194,7 +196,7 @@ pb::Ref<struct pbStore> storeOfListed( typename Kind::Imp *imp, std::optional<pb
         pbStoreSetValueIntCstr( store.address(), "remaining", -1, *expiry > now ? *expiry - now : 0 );
     if ( const auto result = pb::adopt( Kind::result( imp ) ) ) {
         auto texts = pb::adopt( pbStoreCreate() );
-        const pbInt length = pbVectorLength( result.get() ), shown = std::min<pbInt>( length, 100 );
+        const pbInt length = pbVectorLength( result.get() ), shown = std::min( length, resultsShown );
         if ( shown < length )
             pbStoreSetValueIntCstr( store.address(), "resultLength", -1, length );
         for ( pbInt i = 0; i < shown; ++i )

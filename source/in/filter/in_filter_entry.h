@@ -44,7 +44,7 @@ IN_API void inFilterEntryDelAddressMatchingBits( struct inFilterEntry **entry );
 
 // What stands before the host in the names of the services, such as "_sip._udp": valid domain names. A prefix that does
 // not give a valid name with the host is skipped. An answer is taken whatever its owner names, response code or truncation
-// say, but of its targets 1,000 at most are asked for, and none far longer than a name can be.
+// say, but of its targets 1,000 at most are asked for, two at a time, and none far longer than a name can be.
 IN_API pbInt inFilterEntryDnsSrvPrefixesLength( const struct inFilterEntry *entry );
 IN_API struct pbVector *inFilterEntryDnsSrvPrefixesVector( const struct inFilterEntry *entry );
 IN_API void inFilterEntrySetDnsSrvPrefixesVector( struct inFilterEntry **entry, const struct pbVector *vec );

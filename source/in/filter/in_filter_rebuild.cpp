@@ -45,6 +45,32 @@ pbInt entryIndex( const pb::Ref<struct pbDict> &queries, pbInt at )
     return pbBoxedIntValue( pb::adopt( pbBoxedIntFrom( pbDictValueAt( queries.get(), at ) ) ).get() );
 }
 
+// Hands the queries that have ended to take, with the places of their entries, and out of the dictionary.
+template <class Query, class Take>
+void takeEnded( pb::Ref<struct pbDict> &queries, Query *( *from )( struct pbObj * ), pbBool ( *end )( const Query * ),
+                FilterRebuild::Dropped &dropped, const Take &take )
+{
+    for ( pbInt at = 0; at < pbDictLength( queries.get() ); ) {
+        auto key = pb::adopt( pbDictKeyAt( queries.get(), at ) );
+        const Query *query = from( key.get() );
+        if ( !end( query ) ) {
+            ++at;
+            continue;
+        }
+        take( entryIndex( queries, at ), query );
+        dropped.push_back( std::move( key ) );
+        pbDictDelAt( queries.address(), at );
+    }
+}
+
+template <class Query>
+void stopSignalling( const pb::Ref<struct pbDict> &queries, Query *( *from )( struct pbObj * ),
+                     void ( *del )( Query *, struct pbSignalable * ), struct pbSignalable *signalable )
+{
+    for ( pbInt at = 0; at < pbDictLength( queries.get() ); ++at )
+        del( pb::adopt( from( pbDictKeyAt( queries.get(), at ) ) ).get(), signalable );
+}
+
 // The distinct targets of SRV data, in its order.
 struct Targets {
     std::vector<pb::String> names;
@@ -148,10 +174,13 @@ void FilterRebuild::askForAddresses( pbInt index, const pb::String &name, const 
 
 void FilterRebuild::collect( const Stack &stack, Dropped &dropped )
 {
-    collectServices( dropped ); // first, as the addresses of their targets may be known already
+    // Services first, as the addresses of their targets may be known already.
+    takeEnded( buildDnsQuerySrvDict, inDnsQuerySrvFrom, inDnsQuerySrvEnd, dropped,
+               [this]( pbInt index, const struct inDnsQuerySrv *query ) { takeServices( index, query ); } );
     do {
         askForTargets( stack );
-        collectAddresses( dropped );
+        takeEnded( buildDnsQueryAddressesDict, inDnsQueryAddressesFrom, inDnsQueryAddressesEnd, dropped,
+                   [this]( pbInt index, const struct inDnsQueryAddresses *query ) { takeAddresses( index, query ); } );
     } while ( !buildTargets.empty() && pbDictLength( buildDnsQueryAddressesDict.get() ) < mostTargetsAtOnce );
 }
 
@@ -164,20 +193,6 @@ void FilterRebuild::askForTargets( const Stack &stack )
             askForAddresses( index, name, stack );
         else
             note( index, name, "there is no stack to ask for it" );
-    }
-}
-
-void FilterRebuild::collectServices( Dropped &dropped )
-{
-    for ( pbInt at = 0; at < pbDictLength( buildDnsQuerySrvDict.get() ); ) {
-        const SrvQuery query = pb::adopt( inDnsQuerySrvFrom( pbDictKeyAt( buildDnsQuerySrvDict.get(), at ) ) );
-        if ( !inDnsQuerySrvEnd( query.get() ) ) {
-            ++at;
-            continue;
-        }
-        takeServices( entryIndex( buildDnsQuerySrvDict, at ), query.get() );
-        dropped.push_back( pb::share( inDnsQuerySrvObj( query.get() ) ) );
-        pbDictDelAt( buildDnsQuerySrvDict.address(), at );
     }
 }
 
@@ -204,21 +219,6 @@ void FilterRebuild::takeServices( pbInt index, const struct inDnsQuerySrv *query
             buildTargets.emplace_back( index, target );
         else
             note( index, target, noQuestion );
-}
-
-void FilterRebuild::collectAddresses( Dropped &dropped )
-{
-    for ( pbInt at = 0; at < pbDictLength( buildDnsQueryAddressesDict.get() ); ) {
-        const AddressesQuery query =
-            pb::adopt( inDnsQueryAddressesFrom( pbDictKeyAt( buildDnsQueryAddressesDict.get(), at ) ) );
-        if ( !inDnsQueryAddressesEnd( query.get() ) ) {
-            ++at;
-            continue;
-        }
-        takeAddresses( entryIndex( buildDnsQueryAddressesDict, at ), query.get() );
-        dropped.push_back( pb::share( inDnsQueryAddressesObj( query.get() ) ) );
-        pbDictDelAt( buildDnsQueryAddressesDict.address(), at );
-    }
 }
 
 void FilterRebuild::takeAddresses( pbInt index, const struct inDnsQueryAddresses *query )
@@ -278,14 +278,10 @@ std::shared_ptr<const FilterList> FilterRebuild::finish( Dropped &dropped )
 // Queries that are still pending are left alone.
 void FilterRebuild::drop( Dropped &dropped )
 {
-    for ( pbInt at = 0; buildRebuilding && at < pbDictLength( buildDnsQuerySrvDict.get() ); ++at ) {
-        const auto query = pb::adopt( inDnsQuerySrvFrom( pbDictKeyAt( buildDnsQuerySrvDict.get(), at ) ) );
-        inDnsQuerySrvEndDelSignalable( query.get(), signalable_.get() );
-    }
-    for ( pbInt at = 0; buildRebuilding && at < pbDictLength( buildDnsQueryAddressesDict.get() ); ++at ) {
-        const auto query =
-            pb::adopt( inDnsQueryAddressesFrom( pbDictKeyAt( buildDnsQueryAddressesDict.get(), at ) ) );
-        inDnsQueryAddressesEndDelSignalable( query.get(), signalable_.get() );
+    if ( buildRebuilding ) {
+        stopSignalling( buildDnsQuerySrvDict, inDnsQuerySrvFrom, inDnsQuerySrvEndDelSignalable, signalable_.get() );
+        stopSignalling( buildDnsQueryAddressesDict, inDnsQueryAddressesFrom, inDnsQueryAddressesEndDelSignalable,
+                        signalable_.get() );
     }
     dropped.push_back( pb::adopt( pbDictObj( buildDnsQuerySrvDict.release() ) ) );
     dropped.push_back( pb::adopt( pbDictObj( buildDnsQueryAddressesDict.release() ) ) );

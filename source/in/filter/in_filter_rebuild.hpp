@@ -55,9 +55,7 @@ private:
     void askForServices( pbInt index, const struct inFilterEntry *entry, const Stack &stack );
 
     void askForAddresses( pbInt index, const pb::String &name, const Stack &stack );
-    void collectServices( Dropped &dropped );
     void askForTargets( const Stack &stack );
-    void collectAddresses( Dropped &dropped );
     void takeServices( pbInt index, const struct inDnsQuerySrv *query );
     void takeAddresses( pbInt index, const struct inDnsQueryAddresses *query );
     void append( pbInt index, const struct inFilterEntry *entry, const struct inAddress *address,
