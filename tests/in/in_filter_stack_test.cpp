@@ -105,9 +105,11 @@ void await( const Filter &filter, const std::function<bool()> &condition )
         pbBarrierPass( barrier.get() );
     }
 }
+// And until the stack has forgotten the answers, which it shares with who asks meanwhile.
 void awaitList( const Filter &filter )
 {
     await( filter, [&] { return item( filter, "inFilterRebuilding" ) == "null"; } );
+    pr___Quiesce();
 }
 
 // "ADDRESS/BITS" of each list that was published, and how many rebuilds were begun.
