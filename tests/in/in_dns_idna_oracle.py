@@ -9,9 +9,10 @@ import encodings.idna
 import random
 import stringprep
 import sys
+from unicodedata import ucd_3_2_0 as ucd
 
-# Python maps case with its present Unicode. RFC 3454's table B.2 is Unicode 3.2's, in which these capitals had no small
-# letters yet.
+# RFC 3454's table B.2 is Unicode 3.2's, in which these capitals had no small letters yet. Python maps case with its
+# present Unicode, or with that table since CVE-2026-17084.
 LATER_SMALL_LETTERS = [
     0x4C0,  # Cyrillic palochka; U+04CF since Unicode 5.0
     *range(0x10A0, 0x10C6),  # Georgian; U+2D00.. since 4.1
@@ -36,7 +37,7 @@ def map_3_2(c):
 
 
 scalars = [chr(c) for c in range(0x110000) if not 0xD800 <= c <= 0xDFFF]
-assert [ord(c) for c in scalars if assigned(c) and later(c)] == LATER_SMALL_LETTERS
+assert [ord(c) for c in scalars if assigned(c) and later(c)] in ([], LATER_SMALL_LETTERS)
 stringprep.map_table_b3 = map_3_2
 
 
@@ -80,7 +81,6 @@ for c in scalars:
     if prepared != c:
         line("P", c, prepared)
 
-ucd = stringprep.unicodedata  # of Unicode 3.2
 joined = {0x1161 + i for i in range(21)} | {0x11A8 + i for i in range(27)}  # Hangul, which composes by rule
 for c in scalars:
     if not ucd.decomposition(c).startswith("<"):
