@@ -16,6 +16,7 @@
 
 #include "pb/pb_wake.hpp"
 
+#include <CLI/App.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>

@@ -6,10 +6,12 @@
 
 #include "inctl/attach_socket.hpp"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace inctl {
 

@@ -9,11 +9,13 @@
 
 #include "pb/pb_fd.hpp"
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <optional>
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace inctl {
 

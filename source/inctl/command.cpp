@@ -3,6 +3,8 @@
 
 #include "inctl/help_formatter.hpp"
 
+#include <CLI/CLI.hpp>
+
 namespace inctl {
 
 void addJsonOption( CLI::App &command, Context &context )

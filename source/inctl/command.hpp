@@ -7,7 +7,7 @@
 
 #include "pb/pb_base.h"
 
-#include <CLI/CLI.hpp>
+#include <CLI/App.hpp>
 
 #include <functional>
 #include <string>

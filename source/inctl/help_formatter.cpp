@@ -1,6 +1,8 @@
 // How --help looks.
 #include "inctl/help_formatter.hpp"
 
+#include <CLI/CLI.hpp>
+
 namespace inctl {
 
 HelpFormatter::HelpFormatter()

@@ -2,7 +2,7 @@
 #ifndef INCTL_HELP_FORMATTER_HPP
 #define INCTL_HELP_FORMATTER_HPP
 
-#include <CLI/CLI.hpp>
+#include <CLI/App.hpp>
 
 #include <string>
 #include <vector>

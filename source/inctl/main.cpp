@@ -7,6 +7,7 @@
 #include "inctl/printable_lines.hpp"
 #include "inctl/waiter.hpp"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <cerrno>

@@ -5,9 +5,11 @@
 #include "in/qos/in_qos_stack.h"
 #include "pb/pb_object.hpp"
 
-#include <CLI/CLI.hpp>
-
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace inctl {
 

@@ -11,6 +11,7 @@
 #include "in/udp/in_udp_options.h"
 #include "in/udp/in_udp_port_range.h"
 
+#include <CLI/App.hpp>
 #include <fmt/format.h>
 
 namespace inctl {

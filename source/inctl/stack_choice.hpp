@@ -6,11 +6,13 @@
 
 #include "in/base/in_stack.h"
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 
 struct inAddress;
+
+namespace CLI {
+class App;
+}
 
 namespace inctl {
 

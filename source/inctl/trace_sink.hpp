@@ -6,8 +6,6 @@
 #include "inctl/record.hpp"
 #include "inctl/trace_streams.hpp"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 #include <span>
 #include <string>
@@ -23,6 +21,10 @@ namespace sinks {
 class sink;
 }
 } // namespace spdlog
+
+namespace CLI {
+class App;
+}
 
 namespace inctl {
 
