@@ -13,7 +13,7 @@ names_host() {
     : >"$files/hosts"
     cat >"$files/enter" <<'END'
 #!/bin/sh
-for name in resolv.conf nsswitch.conf hosts; do mount --bind "$0.d/$name" "/etc/$name"; done
+for name in resolv.conf nsswitch.conf hosts; do [ ! -e "/etc/$name" ] || mount --bind "$0.d/$name" "/etc/$name"; done
 exec "$@"
 END
     chmod +x "$files/enter"
