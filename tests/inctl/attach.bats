@@ -23,12 +23,17 @@ sees() {
     grep -Eqm1 -- "$1" <(timeout 60 tail -s 0.02 --pid="$follower" -n +1 -f "$seen" 2>/dev/null) || { cat "$seen"; return 1; }
 }
 
-# leave CODE: ends the client that still runs, and looks at its exit code.
-leave() {
+# ends CODE: waits for the client's own end, and looks at its exit code.
+ends() {
     local got=0
-    kill -INT "$follower" 2>/dev/null || true
     wait "$follower" || got=$?
     [ "$got" -eq "$1" ] || { echo "exit code $got"; cat "$seen"; return 1; }
+}
+
+# leave CODE: ends the client, which runs on otherwise.
+leave() {
+    kill -INT "$follower"
+    ends "$1"
 }
 
 @test "status, set and watch of a running host" {
@@ -69,7 +74,7 @@ leave() {
     sees 'the file is good again'
     finish TERM 0
     sees 'the host sip has ended'
-    leave 1
+    ends 1
     [ -z "$(ls "$RUNTIME_DIRECTORY")" ]
 }
 
