@@ -11,8 +11,8 @@ import stringprep
 import sys
 from unicodedata import ucd_3_2_0 as ucd
 
-# RFC 3454's table B.2 is Unicode 3.2's, in which these capitals had no small letters yet. Python maps case with its
-# present Unicode, or with that table since CVE-2026-17084.
+# RFC 3454's table B.2 is Unicode 3.2's, in which these capitals had no small letters yet. Python knows them: its
+# own table follows its present Unicode, or since CVE-2026-17084 RFC 3454.
 LATER_SMALL_LETTERS = [
     0x4C0,  # Cyrillic palochka; U+04CF since Unicode 5.0
     *range(0x10A0, 0x10C6),  # Georgian; U+2D00.. since 4.1
@@ -28,7 +28,7 @@ def assigned(c):
 
 
 def later(c):
-    return any(not assigned(small) for small in python_map(c))
+    return any(not assigned(small) for small in c.lower())
 
 
 def map_3_2(c):
@@ -37,7 +37,7 @@ def map_3_2(c):
 
 
 scalars = [chr(c) for c in range(0x110000) if not 0xD800 <= c <= 0xDFFF]
-assert [ord(c) for c in scalars if assigned(c) and later(c)] in ([], LATER_SMALL_LETTERS)
+assert [ord(c) for c in scalars if assigned(c) and later(c)] == LATER_SMALL_LETTERS
 stringprep.map_table_b3 = map_3_2
 
 

@@ -28,7 +28,7 @@ inline void writeOwnFile( const std::string &name, const std::string &text )
 }
 
 // For scenarios: from now on this process asks the name server on 127.0.0.1, once, for a second at most, and nothing
-// else but its own, empty, list of hosts.
+// else but its own, empty, list of hosts, which a small system may not have at all.
 inline void useLoopbackResolver()
 {
     const auto require = []( int result, const char *what ) {
@@ -42,7 +42,7 @@ inline void useLoopbackResolver()
     writeOwnFile( "nsswitch.conf", "hosts: files dns\n" );
     writeOwnFile( "hosts", "" );
     for ( const std::string name : { "resolv.conf", "nsswitch.conf", "hosts" } )
-        if ( const std::string hidden = "/etc/" + name; access( hidden.c_str(), F_OK ) == 0 ) // small systems lack some
+        if ( const std::string hidden = "/etc/" + name; name != "hosts" || access( hidden.c_str(), F_OK ) == 0 )
             require( mount( ( ownFolder() + "/" + name ).c_str(), hidden.c_str(), nullptr, MS_BIND, nullptr ),
                      name.c_str() );
 }
