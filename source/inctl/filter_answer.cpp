@@ -13,8 +13,6 @@
 
 #include <fmt/format.h>
 
-#include <optional>
-
 namespace inctl {
 namespace {
 
@@ -49,7 +47,7 @@ Store awaitExplanation( const Filter &filter, const struct inAddress *address, p
         csStatusReporterUpdateAddSignalable( status.get(), waiter.signalable() ); // before it is looked at
         Store explanation = pb::adopt( inFilterExplain( filter.get(), address ) );
         const bool published = flag( explanation, "published" );
-        const auto woken = published ? std::nullopt : std::optional( waiter.wait( deadline ) );
+        const Waiter::Woken woken = published ? Waiter::Woken::Time : waiter.wait( deadline );
         if ( woken == Waiter::Woken::Library )
             continue;
         if ( !published || flag( explanation, "rebuilding" ) ) // the list may be made anew already
